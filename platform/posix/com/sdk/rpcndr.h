@@ -1,0 +1,3 @@
+// The interface compiler's headers include <rpcndr.h>; on Linux all of it is the COM runtime's.
+#pragma once
+#include "platform/posix/com/com.h"

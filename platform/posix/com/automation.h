@@ -32,6 +32,12 @@ enum VARENUM : VARTYPE {
   VT_TYPEMASK = 0xFFF,
 };
 
+/// The two pointers of VT_RECORD, which is not served here: they give VARIANT its size.
+struct VariantRecord {
+  void* first;
+  void* second;
+};
+
 struct tagVARIANT {
   VARTYPE vt;
   WORD wReserved1;
@@ -77,10 +83,7 @@ struct tagVARIANT {
     USHORT* puiVal;
     ULONG* pulVal;
     ULONGLONG* pullVal;
-    struct {
-      void* first;
-      void* second;
-    } record;
+    VariantRecord record;
   };
 };
 static_assert(sizeof(VARIANT) == 24);

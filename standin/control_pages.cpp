@@ -1,0 +1,85 @@
+#include "standin/control_pages.h"
+
+#include <unistd.h>
+
+#include <csignal>
+#include <nlohmann/json.hpp>
+
+#include "standin/text.h"
+
+namespace velandoc::standin {
+namespace {
+
+using nlohmann::json;
+
+Response Json(int status, const json& value) {
+  return TextAnswer(status, "application/json", value.dump() + "\n");
+}
+
+Response Done() { return Json(200, {{"ok", true}}); }
+
+}  // namespace
+
+Response ControlPages::Answer(const Request& request) {
+  const std::string_view method = request.method;
+  const std::string_view path = request.path;
+  try {
+    if (path == "/log") return Log(request);
+    if (path == "/stats" && method == "GET") return Stats();
+    if (path == "/certificate" && method == "PUT") return SetCertificate(request);
+    if (path == "/recording" && method == "PUT") return SetRecording(request);
+    if (path == "/stop" && method == "POST") {
+      Response response = Done();
+      response.close = true;
+      kill(getpid(), SIGTERM);
+      return response;
+    }
+  } catch (const std::exception& error) {
+    return Json(400, {{"error", error.what()}});
+  }
+  return Json(404, {{"error", "no such command: " + request.method + " " + request.path}});
+}
+
+Response ControlPages::Log(const Request& request) {
+  if (request.method == "DELETE") {
+    m_services.log.Clear();
+    return Done();
+  }
+  constexpr std::string_view kSince = "/log?since=";
+  std::uint64_t since = 0;
+  if (request.pathAndQuery.starts_with(kSince)) {
+    const auto number =
+        ParseNumber<std::uint64_t>(std::string_view(request.pathAndQuery).substr(kSince.size()));
+    if (!number) throw std::invalid_argument("since takes the number of a request");
+    since = *number;
+  }
+  return TextAnswer(200, "application/json", m_services.log.Read(since));
+}
+
+Response ControlPages::Stats() const {
+  const Statistics& statistics = m_services.statistics;
+  return Json(200, {{"connections", statistics.connectionsAccepted.load()},
+                    {"open", statistics.connectionsOpen.load()},
+                    {"tls", statistics.tlsHandshakes.load()},
+                    {"requests", statistics.requests.load()}});
+}
+
+Response ControlPages::SetCertificate(const Request& request) {
+  const json value = json::parse(request.body);
+  const json& kind = value.at("kind");
+  if (kind.is_null()) {
+    m_services.certificates.Force(std::nullopt);
+    return Done();
+  }
+  const auto parsed = ParseCertificateKind(kind.get<std::string>());
+  if (!parsed) throw std::invalid_argument("no such kind of certificate: " + kind.dump());
+  m_services.certificates.Force(parsed);
+  return Done();
+}
+
+Response ControlPages::SetRecording(const Request& request) {
+  m_services.log.SetRecording(json::parse(request.body).at("on").get<bool>());
+  return Done();
+}
+
+}  // namespace velandoc::standin

@@ -1,0 +1,26 @@
+// What the control port offers: rules, the log, counts, certificates, the end.
+#pragma once
+
+#include "standin/application.h"
+#include "standin/services.h"
+
+namespace velandoc::standin {
+
+class ControlPages final : public Application {
+ public:
+  // Borrows the services, which hold this page in turn.
+  explicit ControlPages(Services& services) : m_services(services) {}
+
+  bool Serves(const Request&) const override { return true; }
+  Response Answer(const Request& request) override;
+
+ private:
+  Response Log(const Request& request);
+  Response Stats() const;
+  Response SetCertificate(const Request& request);
+  Response SetRecording(const Request& request);
+
+  Services& m_services;
+};
+
+}  // namespace velandoc::standin

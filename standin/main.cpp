@@ -1,0 +1,88 @@
+// The stand-in server: plays the servers that velandoc talks to, misbehaves on command and records
+// every request. For tests, the demo and benchmarks; it listens on 127.0.0.1 only.
+#include <libxml/parser.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+#include "standin/command_line.h"
+#include "standin/control_pages.h"
+#include "standin/lists_service.h"
+#include "standin/measuring_pages.h"
+#include "standin/server.h"
+
+namespace velandoc::standin {
+namespace {
+
+// Written beside and renamed, so that who waits for the file never reads half of it.
+void WriteReadyFile(const std::string& path, const Server& server) {
+  const std::string temporary = path + ".new";
+  std::ofstream file(temporary, std::ios::trunc);
+  file << "{\"http\":" << server.PortNumber(Port::kHttp)
+       << ",\"https\":" << server.PortNumber(Port::kHttps)
+       << ",\"control\":" << server.PortNumber(Port::kControl) << ",\"pid\":" << getpid() << "}\n";
+  file.close();
+  if (!file || std::rename(temporary.c_str(), path.c_str()) != 0)
+    throw std::runtime_error(path + ": cannot be written");
+}
+
+// Blocked in all threads, so that only the main one takes them.
+sigset_t BlockEndingSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int number : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&signals, number);
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  std::signal(SIGPIPE, SIG_IGN);
+  return signals;
+}
+
+void WaitForEnd(const sigset_t& signals, std::chrono::seconds longest) {
+  const timespec time{longest.count(), 0};
+  while (sigtimedwait(&signals, nullptr, &time) < 0 && errno == EINTR) {
+  }
+}
+
+void Run(const CommandLine& line) {
+  const sigset_t signals = BlockEndingSignals();
+  xmlInitParser();
+
+  ApplicationList applications;
+  applications.Add(std::make_unique<ListsService>());
+  applications.Add(std::make_unique<MeasuringPages>());
+
+  Certificates certificates(line.certificates);
+  TlsAcceptor tls(certificates);
+  RequestLog log(line.log);
+  Statistics statistics;
+  StopSignal stop;
+  ApplicationList controlPages;
+  Services services{applications, controlPages, certificates, tls, log, statistics, stop};
+  controlPages.Add(std::make_unique<ControlPages>(services));
+
+  Server server(services);
+  server.Start();
+  WriteReadyFile(line.ready, server);
+  WaitForEnd(signals, line.longestRun);
+  server.Stop();
+}
+
+}  // namespace
+}  // namespace velandoc::standin
+
+int main(int count, char** arguments) {
+  try {
+    velandoc::standin::Run(velandoc::standin::ParseCommandLine(count, arguments));
+    return 0;
+  } catch (const std::invalid_argument& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 2;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "velandoc-standin: %s\n", error.what());
+    return 1;
+  }
+}

@@ -1,0 +1,25 @@
+// What all connections share.
+#pragma once
+
+#include <functional>
+
+#include "standin/application.h"
+#include "standin/certificates.h"
+#include "standin/request_log.h"
+#include "standin/statistics.h"
+#include "standin/stop_signal.h"
+#include "standin/tls_channel.h"
+
+namespace velandoc::standin {
+
+struct Services {
+  ApplicationList& applications;
+  ApplicationList& controlPages;
+  Certificates& certificates;
+  TlsAcceptor& tls;
+  RequestLog& log;
+  Statistics& statistics;
+  StopSignal& stop;
+};
+
+}  // namespace velandoc::standin

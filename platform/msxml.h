@@ -5,7 +5,7 @@
 #include "platform/com.h"
 
 #ifdef _WIN32
-#include <msxml2.h>
+#include "platform/windows/msxml_ids.h"
 #else
 #include "platform/posix/msxml/msxml.h"
 #endif

@@ -1,0 +1,84 @@
+#include "soap/dom.h"
+
+namespace velandoc {
+namespace {
+
+IXMLDOMNode* Require(IXMLDOMNode* node) {
+  if (node == nullptr) _com_issue_error(E_POINTER);
+  return node;
+}
+
+}  // namespace
+
+HRESULT CreateDomDocument(ComPtr<IXMLDOMDocument2>& document) {
+  document.Reset();
+  ComPtr<IUnknown> object;
+  HRESULT result = CoCreateInstance(CLSID_DOMDocument60, nullptr, CLSCTX_ALL, IID_IUnknown,
+                                    object.ReceiveVoid());
+  if (FAILED(result)) return result;
+  result = OleRun(object.Get());
+  if (FAILED(result)) return result;
+  return object->QueryInterface(IID_IXMLDOMDocument2, document.ReceiveVoid());
+}
+
+ComPtr<IXMLDOMNode> CreateDomNode(IXMLDOMDocument2* document, DOMNodeType type, WideView name,
+                                  WideView namespaceUri) {
+  Require(document);
+  ComPtr<IXMLDOMNode> node;
+  CheckResult(document->createNode(Variant(type, VT_INT).Get(), Bstr(name).Get(),
+                                   Bstr(namespaceUri).Get(), node.Receive()));
+  return node;
+}
+
+WideString GetNodeName(IXMLDOMNode* node) {
+  Bstr name;
+  CheckResult(Require(node)->get_nodeName(name.Receive()));
+  return name.Text();
+}
+
+WideString GetNodeNamespace(IXMLDOMNode* node) {
+  Bstr uri;
+  CheckResult(Require(node)->get_namespaceURI(uri.Receive()));
+  return uri.Text();
+}
+
+DOMNodeType GetNodeType(IXMLDOMNode* node) {
+  DOMNodeType type = NODE_INVALID;
+  CheckResult(Require(node)->get_nodeType(&type));
+  return type;
+}
+
+WideString GetNodeText(IXMLDOMNode* node) {
+  Bstr text;
+  CheckResult(Require(node)->get_text(text.Receive()));
+  return text.Text();
+}
+
+void PutNodeText(IXMLDOMNode* node, WideView text) {
+  CheckResult(Require(node)->put_text(Bstr(text).Get()));
+}
+
+WideString GetNodeXml(IXMLDOMNode* node) {
+  Bstr xml;
+  CheckResult(Require(node)->get_xml(xml.Receive()));
+  return xml.Text();
+}
+
+ComPtr<IXMLDOMNode> GetFirstChild(IXMLDOMNode* node) {
+  ComPtr<IXMLDOMNode> child;
+  CheckResult(Require(node)->get_firstChild(child.Receive()));
+  return child;
+}
+
+void AppendNode(IXMLDOMNode* parent, IXMLDOMNode* child) {
+  ComPtr<IXMLDOMNode> appended;
+  CheckResult(Require(parent)->appendChild(Require(child), appended.Receive()));
+}
+
+ComPtr<IXMLDOMNode> SelectSingleNode(IXMLDOMNode* node, WideView xpath) {
+  ComPtr<IXMLDOMNode> found;
+  CheckResult(Require(node)->selectSingleNode(Bstr(xpath).Get(), found.Receive()));
+  return found;
+}
+
+}  // namespace velandoc

@@ -24,6 +24,7 @@ Response ControlPages::Answer(const Request& request) {
   const std::string_view method = request.method;
   const std::string_view path = request.path;
   try {
+    if (path == "/behaviour") return Behaviour(request);
     if (path == "/log") return Log(request);
     if (path == "/stats" && method == "GET") return Stats();
     if (path == "/certificate" && method == "PUT") return SetCertificate(request);
@@ -40,11 +41,25 @@ Response ControlPages::Answer(const Request& request) {
   return Json(404, {{"error", "no such command: " + request.method + " " + request.path}});
 }
 
+Response ControlPages::Behaviour(const Request& request) {
+  if (request.method == "DELETE") {
+    m_services.rules.Replace({});
+  } else if (request.method == "PUT") {
+    m_services.rules.Replace(ParseRules(request.body));
+  } else if (request.method == "POST") {
+    m_services.rules.Append(ParseRules(request.body));
+  } else {
+    throw std::invalid_argument("behaviour takes PUT, POST and DELETE");
+  }
+  return Done();
+}
+
 Response ControlPages::Log(const Request& request) {
   if (request.method == "DELETE") {
     m_services.log.Clear();
     return Done();
   }
+  if (request.method != "GET") throw std::invalid_argument("log takes GET and DELETE");
   constexpr std::string_view kSince = "/log?since=";
   std::uint64_t since = 0;
   if (request.pathAndQuery.starts_with(kSince)) {

@@ -15,6 +15,7 @@ class ControlPages final : public Application {
   Response Answer(const Request& request) override;
 
  private:
+  Response Behaviour(const Request& request);
   Response Log(const Request& request);
   Response Stats() const;
   Response SetCertificate(const Request& request);

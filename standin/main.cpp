@@ -58,10 +58,11 @@ void Run(const CommandLine& line) {
   Certificates certificates(line.certificates);
   TlsAcceptor tls(certificates);
   RequestLog log(line.log);
+  RuleBook rules;
   Statistics statistics;
   StopSignal stop;
   ApplicationList controlPages;
-  Services services{applications, controlPages, certificates, tls, log, statistics, stop};
+  Services services{applications, controlPages, certificates, tls, log, rules, statistics, stop};
   controlPages.Add(std::make_unique<ControlPages>(services));
 
   Server server(services);

@@ -6,6 +6,7 @@
 #include "standin/application.h"
 #include "standin/certificates.h"
 #include "standin/request_log.h"
+#include "standin/rule_book.h"
 #include "standin/statistics.h"
 #include "standin/stop_signal.h"
 #include "standin/tls_channel.h"
@@ -18,6 +19,7 @@ struct Services {
   Certificates& certificates;
   TlsAcceptor& tls;
   RequestLog& log;
+  RuleBook& rules;
   Statistics& statistics;
   StopSignal& stop;
 };

@@ -3,7 +3,6 @@
 #include <exception>
 #include <optional>
 
-#include "standin/request_body.h"
 #include "standin/request_head.h"
 #include "standin/response_writer.h"
 #include "standin/text.h"
@@ -22,6 +21,23 @@ Response ErrorPage(int status, std::string_view text) {
   return response;
 }
 
+Ending EndingOf(const Cut& cut) { return cut.isReset ? Ending::kReset : Ending::kAbrupt; }
+
+std::string InterimAnswer(int status) {
+  std::string answer = "HTTP/1.1 " + std::to_string(status) + ' ';
+  answer += UsualReason(status);
+  return answer + "\r\n\r\n";
+}
+
+Response AnswerOf(Application* application, const Request& request) {
+  if (!application) return HtmlPage(404, "Not Found", "There is nothing at this address.");
+  try {
+    return application->Answer(request);
+  } catch (const std::exception& error) {
+    return HtmlPage(500, "Internal Server Error", error.what());
+  }
+}
+
 }  // namespace
 
 Session::Session(Services& services, int socket, Port port, std::uint64_t number)
@@ -33,9 +49,11 @@ Session::Session(Services& services, int socket, Port port, std::uint64_t number
       m_input(*m_channel) {}
 
 Ending Session::Run() {
-  if (m_port == Port::kHttps && !StartTls(m_services.certificates.Forced(), {}))
-    return Ending::kAbrupt;
-  std::optional<Ending> ending;
+  const bool isHttps = m_port == Port::kHttps;
+  if (!IsControl())
+    if (const auto rule = m_services.rules.AtAccept(isHttps)) return EndingOf(*rule->actions.cut);
+  if (isHttps && !StartTls(m_services.certificates.Forced(), {})) return Ending::kAbrupt;
+  Next ending;
   while (!ending) ending = ServeOne();
   if (*ending == Ending::kOrderly) m_channel->EndWriting();
   return *ending;
@@ -51,8 +69,11 @@ bool Session::StartTls(std::optional<CertificateKind> forced, const std::string&
   return true;
 }
 
-std::optional<Ending> Session::ServeOne() {
-  const bool isControl = m_port == Port::kControl;
+Application* Session::FindApplication(const Request& request) const {
+  return (IsControl() ? m_services.controlPages : m_services.applications).Find(request);
+}
+
+Session::Next Session::ServeOne() {
   Request request;
   request.connection = m_number;
   const HeadResult head = ReadHead(m_input, request);
@@ -60,37 +81,61 @@ std::optional<Ending> Session::ServeOne() {
   request.tls = m_isTls;
   request.connectHost = m_connectHost;
   if (!m_connectHost.empty()) request.proxy = true;
-  if (!isControl) ++m_services.statistics.requests;
-  if (head != HeadResult::kComplete) {
-    if (!isControl) m_services.log.Add(request);
-    return Send(request, head == HeadResult::kTooLong
-                             ? ErrorPage(431, "The head of the request is too long.")
-                             : ErrorPage(400, "The head of the request is malformed."));
-  }
-
-  Application* application =
-      (isControl ? m_services.controlPages : m_services.applications).Find(request);
-  if (request.Lists("Expect", "100-continue") && m_input.Waiting().empty() &&
-      !m_channel->Write("HTTP/1.1 100 Continue\r\n\r\n"))
-    return Ending::kAbrupt;
-  BodyOptions options;
-  options.keep = application && !application->IgnoresBody(request);
-  options.hash = !isControl && m_services.log.IsRecording();
-  const BodyResult body = ReadBody(m_input, request, options);
-  if (!isControl) m_services.log.Add(request);
-  if (body == BodyResult::kCutShort) return Ending::kOrderly;
-  if (body == BodyResult::kMalformed)
-    return Send(request, ErrorPage(400, "The body of the request is malformed."));
-  if (body == BodyResult::kTooLong)
-    return Send(request, ErrorPage(413, "The body of the request is too long."));
-
-  if (request.method == "CONNECT" && !isControl) return OpenTunnel(request);
-  return Send(request, Answer(request, application));
+  if (!IsControl()) ++m_services.statistics.requests;
+  if (head == HeadResult::kComplete)
+    return Handle(request, IsControl() ? Plan() : MakePlan(m_services.rules, request, m_auth));
+  if (!IsControl()) m_services.log.Add(request);
+  return Send(request, {},
+              head == HeadResult::kTooLong
+                  ? ErrorPage(431, "The head of the request is too long.")
+                  : ErrorPage(400, "The head of the request is malformed."));
 }
 
-std::optional<Ending> Session::OpenTunnel(const Request& request) {
+Session::Next Session::Handle(Request& request, const Plan& plan) {
+  Application* application = FindApplication(request);
+  BodyResult body = BodyResult::kComplete;
+  if (!plan.isEarly) {
+    if (request.Lists("Expect", "100-continue") && m_input.Waiting().empty() &&
+        !m_channel->Write("HTTP/1.1 100 Continue\r\n\r\n"))
+      return Ending::kAbrupt;
+    BodyOptions options;
+    options.keep = application && !application->IgnoresBody(request);
+    options.hash = !IsControl() && m_services.log.IsRecording();
+    if (plan.cut && plan.cut->at == Cut::At::kRequest) options.stopAfter = plan.cut->afterBytes;
+    body = ReadBody(m_input, request, options);
+  }
+  if (!IsControl()) m_services.log.Add(request);
+  if (body == BodyResult::kStopped) return EndingOf(*plan.cut);
+  if (body != BodyResult::kComplete) return Refuse(request, body);
+  return Answer(request, plan, application);
+}
+
+Session::Next Session::Refuse(const Request& request, BodyResult body) {
+  if (body == BodyResult::kMalformed)
+    return Send(request, {}, ErrorPage(400, "The body of the request is malformed."));
+  if (body == BodyResult::kTooLong)
+    return Send(request, {}, ErrorPage(413, "The body of the request is too long."));
+  return Ending::kOrderly;
+}
+
+Session::Next Session::Answer(const Request& request, const Plan& plan, Application* application) {
+  if (plan.delay.count() > 0 && !m_services.stop.Sleep(plan.delay)) return Ending::kAbrupt;
+  if (plan.cut && plan.cut->at == Cut::At::kRequest) return EndingOf(*plan.cut);
+  if (plan.hang) {
+    m_services.stop.Sleep(*plan.hang);
+    return Ending::kAbrupt;
+  }
+  for (const int status : plan.interimStatuses)
+    if (!m_channel->Write(InterimAnswer(status))) return Ending::kAbrupt;
+  if (plan.raw) return SendRaw(plan);
+  if (plan.response) return Send(request, plan, *plan.response);
+  if (request.method == "CONNECT" && !IsControl()) return OpenTunnel(request);
+  return Send(request, plan, AnswerOf(application, request));
+}
+
+Session::Next Session::OpenTunnel(const Request& request) {
   if (m_isTls || !m_connectHost.empty())
-    return Send(request, ErrorPage(400, "A tunnel cannot be opened here."));
+    return Send(request, {}, ErrorPage(400, "A tunnel cannot be opened here."));
   if (!m_channel->Write("HTTP/1.1 200 Connection established\r\n\r\n")) return Ending::kAbrupt;
   m_connectHost = request.host;
   // The other end of the tunnel is this server: TLS if the client starts it, else plain HTTP.
@@ -101,20 +146,22 @@ std::optional<Ending> Session::OpenTunnel(const Request& request) {
   return std::nullopt;
 }
 
-Response Session::Answer(const Request& request, Application* application) {
-  if (!application) return HtmlPage(404, "Not Found", "There is nothing at this address.");
-  try {
-    return application->Answer(request);
-  } catch (const std::exception& error) {
-    return HtmlPage(500, "Internal Server Error", error.what());
-  }
+Session::Next Session::Send(const Request& request, const Plan& plan, const Response& response) {
+  AnswerStream stream(*m_channel, m_services.stop);
+  if (plan.drip) stream.SetDrip(*plan.drip);
+  if (plan.cut) stream.SetCut(*plan.cut);
+  if (!WriteResponse(stream, response, request.method == "HEAD"))
+    return stream.IsCut() ? EndingOf(*plan.cut) : Ending::kAbrupt;
+  if (response.close || response.framing == Framing::kClose || plan.isEarly ||
+      IsLastRequest(request))
+    return Ending::kOrderly;
+  return std::nullopt;
 }
 
-std::optional<Ending> Session::Send(const Request& request, const Response& response) {
+Session::Next Session::SendRaw(const Plan& plan) {
   AnswerStream stream(*m_channel, m_services.stop);
-  if (!WriteResponse(stream, response, request.method == "HEAD")) return Ending::kAbrupt;
-  if (response.close || response.framing == Framing::kClose || IsLastRequest(request))
-    return Ending::kOrderly;
+  if (plan.drip) stream.SetDrip(*plan.drip);
+  if (!stream.Send({}, plan.raw->bytes) || plan.raw->close) return Ending::kAbrupt;
   return std::nullopt;
 }
 

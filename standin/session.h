@@ -8,6 +8,8 @@
 
 #include "standin/channel.h"
 #include "standin/input_buffer.h"
+#include "standin/plan.h"
+#include "standin/request_body.h"
 #include "standin/response.h"
 #include "standin/services.h"
 
@@ -32,11 +34,20 @@ class Session {
 
  private:
   // Nothing: go on with the next request.
-  std::optional<Ending> ServeOne();
-  std::optional<Ending> OpenTunnel(const Request& request);
-  std::optional<Ending> Send(const Request& request, const Response& response);
+  using Next = std::optional<Ending>;
+
+  Next ServeOne();
+  // The head is read and `plan` made: reads the body, records the request and answers.
+  Next Handle(Request& request, const Plan& plan);
+  // How the body ended, when the request cannot be answered as it should be.
+  Next Refuse(const Request& request, BodyResult body);
+  Next Answer(const Request& request, const Plan& plan, Application* application);
+  Next OpenTunnel(const Request& request);
+  Next Send(const Request& request, const Plan& plan, const Response& response);
+  Next SendRaw(const Plan& plan);
   bool StartTls(std::optional<CertificateKind> forced, const std::string& host);
-  Response Answer(const Request& request, Application* application);
+  Application* FindApplication(const Request& request) const;
+  bool IsControl() const { return m_port == Port::kControl; }
 
   Services& m_services;
   int m_socket;
@@ -46,6 +57,7 @@ class Session {
   InputBuffer m_input;
   bool m_isTls = false;
   std::string m_connectHost;
+  ConnectionAuth m_auth;
 };
 
 }  // namespace velandoc::standin

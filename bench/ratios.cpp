@@ -1,9 +1,11 @@
-// Whole operations of the component beside curl, in one run and against one server, as ratios of rates: above 1 the
-// component is the faster. Rounds alternate between the two sides, and the median round counts.
+// Whole operations of the component beside curl, in one run and against one server, as ratios of
+// rates: above 1 the component is the faster. Rounds alternate between the two sides, and the
+// median round counts.
 //
 //   ratios HTTP-PORT [check|download|upload]
 //
-// HTTP-PORT is the stand-in server's; it also serves as the forward proxy by which http://docs.example.test/ is reached.
+// HTTP-PORT is the stand-in server's; it also serves as the forward proxy by which
+// http://docs.example.test/ is reached.
 
 #include <curl/curl.h>
 #include <sys/wait.h>
@@ -53,8 +55,8 @@ double Median(std::vector<double> values) {
   return values[values.size() / 2];
 }
 
-// The two sides take turns, and each round gives one ratio: what a change of the machine's speed does to one side it
-// does to the other.
+// The two sides take turns, and each round gives one ratio: what a change of the machine's speed
+// does to one side it does to the other.
 void Compare(const char* name, double units, const char* unit, const std::function<void()>& ours,
              const std::function<void()>& theirs) {
   ours();
@@ -136,8 +138,9 @@ void Check(int port) {
   setenv("http_proxy", proxy.c_str(), 1);
   CURLSH* cache = curl_share_init();
   curl_share_setopt(cache, CURLSHOPT_SHARE, CURL_LOCK_DATA_CONNECT);
-  Compare("`ServerCheck.Check`, beside a bare libcurl post", kChecksPerRound, "calls/s",
-          [] { CheckMany(kChecksPerRound); }, [&] { PostMany(cache, kChecksPerRound); });
+  Compare(
+      "`ServerCheck.Check`, beside a bare libcurl post", kChecksPerRound, "calls/s",
+      [] { CheckMany(kChecksPerRound); }, [&] { PostMany(cache, kChecksPerRound); });
   curl_share_cleanup(cache);
 
   const int before = SocketsInTimeWait();
@@ -202,19 +205,21 @@ void RunCurl(std::vector<std::string> arguments) {
 }
 
 void Download(int port) {
-  const std::string url = "http://127.0.0.1:" + std::to_string(port) + "/bytes/" +
-                          std::to_string(kBodySize);
+  const std::string url =
+      "http://127.0.0.1:" + std::to_string(port) + "/bytes/" + std::to_string(kBodySize);
   const std::string size = std::to_string(kBodySize);
   const std::u16string object = u"/bytes/" + std::u16string(size.begin(), size.end());
-  Compare("1 GiB body read in steps of 8192 bytes, beside `curl -o /dev/null`", kBodySize / 1e6,
-          "MB/s",
-          [&] {
-            Exchange(port, u"GET", object, [](WinInet& inet, HINTERNET request) {
-              Require(inet.HttpSendRequestW(request, nullptr, 0, nullptr, 0), "the send failed");
-              ReadToEnd(inet, request, kBodySize);
-            });
-          },
-          [&] { RunCurl({"-o", "/dev/null", url}); });
+  Compare(
+      "1 GiB body read in steps of 8192 bytes, beside `curl -o /dev/null`", kBodySize / 1e6, "MB/s",
+      [&] {
+        Exchange(port, u"GET", object, [](WinInet& inet, HINTERNET request) {
+          Require(inet.HttpSendRequestW(request, nullptr, 0, nullptr, 0), "the send failed");
+          ReadToEnd(inet, request, kBodySize);
+        });
+      },
+      [&] {
+        RunCurl({"-o", "/dev/null", url});
+      });
 }
 
 void Upload(int port) {
@@ -224,29 +229,32 @@ void Upload(int port) {
   close(file);
   const std::string url = "http://127.0.0.1:" + std::to_string(port) + "/sink";
   try {
-    Compare("1 GiB body written in steps of 8192 bytes, beside `curl -T`", kBodySize / 1e6, "MB/s",
-            [&] {
-              Exchange(port, u"PUT", u"/sink", [](WinInet& inet, HINTERNET request) {
-                const std::string size = std::to_string(kBodySize);
-                const std::u16string header =
-                    u"Content-Length: " + std::u16string(size.begin(), size.end());
-                INTERNET_BUFFERSW head{};
-                head.dwStructSize = sizeof(head);
-                head.lpcszHeader = header.c_str();
-                head.dwHeadersLength = static_cast<DWORD>(header.size());
-                Require(inet.HttpSendRequestExW(request, &head, nullptr, 0, 0), "the head failed");
-                const std::vector<char> piece(kStep);
-                for (unsigned sent = 0; sent < kBodySize; sent += kStep) {
-                  DWORD written = 0;
-                  Require(inet.InternetWriteFile(request, piece.data(), kStep, &written) &&
-                              written == kStep,
-                          "the write failed");
-                }
-                Require(inet.HttpEndRequestW(request, nullptr, 0, 0), "the end failed");
-                ReadToEnd(inet, request, 0);
-              });
-            },
-            [&] { RunCurl({"-T", path, "-H", "Expect:", url}); });
+    Compare(
+        "1 GiB body written in steps of 8192 bytes, beside `curl -T`", kBodySize / 1e6, "MB/s",
+        [&] {
+          Exchange(port, u"PUT", u"/sink", [](WinInet& inet, HINTERNET request) {
+            const std::string size = std::to_string(kBodySize);
+            const std::u16string header =
+                u"Content-Length: " + std::u16string(size.begin(), size.end());
+            INTERNET_BUFFERSW head{};
+            head.dwStructSize = sizeof(head);
+            head.lpcszHeader = header.c_str();
+            head.dwHeadersLength = static_cast<DWORD>(header.size());
+            Require(inet.HttpSendRequestExW(request, &head, nullptr, 0, 0), "the head failed");
+            const std::vector<char> piece(kStep);
+            for (unsigned sent = 0; sent < kBodySize; sent += kStep) {
+              DWORD written = 0;
+              Require(inet.InternetWriteFile(request, piece.data(), kStep, &written) &&
+                          written == kStep,
+                      "the write failed");
+            }
+            Require(inet.HttpEndRequestW(request, nullptr, 0, 0), "the end failed");
+            ReadToEnd(inet, request, 0);
+          });
+        },
+        [&] {
+          RunCurl({"-T", path, "-H", "Expect:", url});
+        });
   } catch (...) {
     unlink(path);
     throw;

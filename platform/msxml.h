@@ -1,5 +1,5 @@
-// The DOM that the web-service layer reads and writes: MSXML 6 on Windows, the same interfaces over libxml2 on Linux.
-// Objects come from CoCreateInstance(CLSID_DOMDocument60).
+// The DOM that the web-service layer reads and writes: MSXML 6 on Windows, the same interfaces over
+// libxml2 on Linux. Objects come from CoCreateInstance(CLSID_DOMDocument60).
 #pragma once
 
 #include "platform/com.h"

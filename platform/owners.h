@@ -8,13 +8,14 @@
 
 namespace velandoc {
 
-/// Raises `_com_error` for a failing result; a success code passes. The thread's error object is not taken along.
+/// Raises `_com_error` for a failing result; a success code passes. The thread's error object is
+/// not taken along.
 inline void CheckResult(HRESULT result) {
   if (FAILED(result)) _com_issue_error(result);
 }
 
-/// A counted reference. Using a null one through -> raises `_com_error` with E_POINTER: that is how a missing node
-/// ends an operation.
+/// A counted reference. Using a null one through -> raises `_com_error` with E_POINTER: that is how
+/// a missing node ends an operation.
 template <class Interface>
 class ComPtr {
  public:

@@ -1,10 +1,11 @@
-// How the core reaches the system: one abstract class (a port) for each service, and one instance of it that
-// serves now. Tests replace the instance for a scope; this is the only test seam.
+// How the core reaches the system: one abstract class (a port) for each service, and one instance
+// of it that serves now. Tests replace the instance for a scope; this is the only test seam.
 #pragma once
 
 namespace velandoc {
 
-/// The real service of this home. Each port's translation unit in windows/ or posix/ specialises it.
+/// The real service of this home. Each port's translation unit in windows/ or posix/ specialises
+/// it.
 template <class Port>
 Port& SystemPort();
 
@@ -21,8 +22,8 @@ Port& CurrentPort() {
   return replaced ? *replaced : SystemPort<Port>();
 }
 
-/// Puts `replacement` in the port's place until the end of the scope. Scopes nest; the replacement must outlive
-/// its scope. Not for use while another thread calls the port.
+/// Puts `replacement` in the port's place until the end of the scope. Scopes nest; the replacement
+/// must outlive its scope. Not for use while another thread calls the port.
 template <class Port>
 class PortScope {
  public:

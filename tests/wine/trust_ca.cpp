@@ -1,5 +1,5 @@
-// trust_ca FILE.pem: puts a certificate into the current user's Root store, so that WinINet trusts the authority of
-// the tests. For a throw-away Wine prefix only.
+// trust_ca FILE.pem: puts a certificate into the current user's Root store, so that WinINet trusts
+// the authority of the tests. For a throw-away Wine prefix only.
 #include <windows.h>
 
 #include <wincrypt.h>

@@ -1,8 +1,9 @@
 # What every target of the project is compiled with.
 add_library(velandoc_options INTERFACE)
 target_include_directories(velandoc_options INTERFACE ${PROJECT_SOURCE_DIR})
+# -Wdelete-non-virtual-dtor and not -Wnon-virtual-dtor: no COM interface has a virtual destructor.
 target_compile_options(velandoc_options INTERFACE
-  -Wall -Wextra -Werror -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
+  -Wall -Wextra -Werror -Wpedantic -Wshadow -Wconversion -Wdelete-non-virtual-dtor
   -Woverloaded-virtual -Wcast-align -Wformat=2)
 if(WIN32)
   target_compile_definitions(velandoc_options INTERFACE

@@ -56,8 +56,8 @@ struct SECURITY_ATTRIBUTES;
 
 STDAPI_(LONG)
 COM_EXPORT
-    RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass, DWORD options,
-                    REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* result, DWORD* disposition);
+RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass, DWORD options,
+                REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* result, DWORD* disposition);
 STDAPI_(LONG)
 COM_EXPORT RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, HKEY* result);
 STDAPI_(LONG) COM_EXPORT RegCloseKey(HKEY key);
@@ -66,7 +66,7 @@ COM_EXPORT RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, co
                           DWORD size);
 STDAPI_(LONG)
 COM_EXPORT
-    RegQueryValueExW(HKEY key, LPCWSTR name, DWORD* reserved, DWORD* type, BYTE* data, DWORD* size);
+RegQueryValueExW(HKEY key, LPCWSTR name, DWORD* reserved, DWORD* type, BYTE* data, DWORD* size);
 STDAPI_(LONG) COM_EXPORT RegDeleteValueW(HKEY key, LPCWSTR name);
 STDAPI_(LONG) COM_EXPORT RegDeleteKeyW(HKEY key, LPCWSTR subKey);
 STDAPI_(LONG) COM_EXPORT RegDeleteTreeW(HKEY key, LPCWSTR subKey);

@@ -1,4 +1,5 @@
-// The base types of COM with their Windows sizes: DWORD and HRESULT are 32 bits, OLECHAR is a 16-bit unit.
+// The base types of COM with their Windows sizes: DWORD and HRESULT are 32 bits, OLECHAR is a
+// 16-bit unit.
 #pragma once
 
 #include <cstddef>
@@ -120,7 +121,8 @@ using REFGUID = const GUID&;
 using REFIID = const IID&;
 using REFCLSID = const CLSID&;
 
-/// The interface compiler's identifiers: constants of each translation unit, so no object file of them is needed.
+/// The interface compiler's identifiers: constants of each translation unit, so no object file of
+/// them is needed.
 #define DEFINE_GUID(name, l, w1, w2, b1, b2, b3, b4, b5, b6, b7, b8) \
   [[maybe_unused]] inline constexpr GUID name = {l, w1, w2, {b1, b2, b3, b4, b5, b6, b7, b8}}
 
@@ -147,9 +149,13 @@ inline constexpr HRESULT E_OUTOFMEMORY = MakeResult(0x8007000E);
 inline constexpr HRESULT E_INVALIDARG = MakeResult(0x80070057);
 inline constexpr HRESULT CLASS_E_NOAGGREGATION = MakeResult(0x80040110);
 inline constexpr HRESULT CLASS_E_CLASSNOTAVAILABLE = MakeResult(0x80040111);
+inline constexpr HRESULT REGDB_E_READREGDB = MakeResult(0x80040150);
+inline constexpr HRESULT REGDB_E_KEYMISSING = MakeResult(0x80040152);
+inline constexpr HRESULT REGDB_E_INVALIDVALUE = MakeResult(0x80040153);
 inline constexpr HRESULT REGDB_E_CLASSNOTREG = MakeResult(0x80040154);
 inline constexpr HRESULT CO_E_NOTINITIALIZED = MakeResult(0x800401F0);
 inline constexpr HRESULT CO_E_CLASSSTRING = MakeResult(0x800401F3);
+inline constexpr HRESULT CO_E_IIDSTRING = MakeResult(0x800401F4);
 inline constexpr HRESULT CO_E_DLLNOTFOUND = MakeResult(0x800401F8);
 inline constexpr HRESULT CO_E_ERRORINDLL = MakeResult(0x800401F9);
 inline constexpr HRESULT DISP_E_UNKNOWNINTERFACE = MakeResult(0x80020001);
@@ -171,6 +177,7 @@ inline constexpr HRESULT STG_E_FILENOTFOUND = MakeResult(0x80030002);
 inline constexpr HRESULT STG_E_PATHNOTFOUND = MakeResult(0x80030003);
 inline constexpr HRESULT STG_E_ACCESSDENIED = MakeResult(0x80030005);
 inline constexpr HRESULT STG_E_INVALIDPOINTER = MakeResult(0x80030009);
+inline constexpr HRESULT STG_E_SEEKERROR = MakeResult(0x80030019);
 inline constexpr HRESULT STG_E_WRITEFAULT = MakeResult(0x8003001D);
 inline constexpr HRESULT STG_E_READFAULT = MakeResult(0x8003001E);
 inline constexpr HRESULT STG_E_FILEALREADYEXISTS = MakeResult(0x80030050);
@@ -187,8 +194,11 @@ inline constexpr DWORD ERROR_INVALID_HANDLE = 6;
 inline constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
 inline constexpr DWORD ERROR_INVALID_DATA = 13;
 inline constexpr DWORD ERROR_WRITE_FAULT = 29;
+inline constexpr DWORD ERROR_SHARING_VIOLATION = 32;
 inline constexpr DWORD ERROR_NOT_SUPPORTED = 50;
 inline constexpr DWORD ERROR_INVALID_PARAMETER = 87;
+inline constexpr DWORD ERROR_FILE_EXISTS = 80;
+inline constexpr DWORD ERROR_DISK_FULL = 112;
 inline constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
 inline constexpr DWORD ERROR_MORE_DATA = 234;
 inline constexpr DWORD ERROR_NO_MORE_ITEMS = 259;

@@ -1,0 +1,23 @@
+// The two files that the registry lies in: found, read, changed under a lock.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "platform/posix/com/registry_tree.h"
+
+namespace velandoc {
+
+enum class Hive { kMachine, kUser };
+
+/// The hive as the file holds it now. A missing file is an empty hive. ERROR_BADDB for a file that
+/// can't be understood, ERROR_ACCESS_DENIED or ERROR_CANTREAD for one that can't be read.
+DWORD LoadHive(Hive hive, std::shared_ptr<const RegistryKey>& root);
+
+/// Lets `change` work on a copy of the hive and, if it returns 0, puts the result into the file's
+/// place: whole and on disk, or not at all. Its result or the file's error is returned. No other
+/// writer comes between; one that holds the lock for more than ten seconds gives
+/// ERROR_SHARING_VIOLATION.
+DWORD ChangeHive(Hive hive, const std::function<DWORD(RegistryKey& root)>& change);
+
+}  // namespace velandoc

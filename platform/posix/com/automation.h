@@ -1,4 +1,5 @@
-// OLE Automation: BSTR, VARIANT and its conversions, the arguments of IDispatch::Invoke, the thread's error object.
+// OLE Automation: BSTR, VARIANT and its conversions, the arguments of IDispatch::Invoke, the
+// thread's error object.
 #pragma once
 
 #include "platform/posix/com/interfaces.h"
@@ -118,7 +119,8 @@ inline constexpr DISPID DISPID_PROPERTYPUT = -3;
 inline constexpr LCID LOCALE_USER_DEFAULT = 0x400;
 inline constexpr LCID LOCALE_SYSTEM_DEFAULT = 0x800;
 
-/// A null BSTR stands for empty text in every function; its length is 0. Allocation failure gives null.
+/// A null BSTR stands for empty text in every function; its length is 0. Allocation failure gives
+/// null.
 STDAPI_(BSTR) COM_EXPORT SysAllocString(const OLECHAR* text);
 STDAPI_(BSTR) COM_EXPORT SysAllocStringLen(const OLECHAR* text, UINT length);
 STDAPI_(BSTR) COM_EXPORT SysAllocStringByteLen(LPCSTR bytes, UINT length);
@@ -132,12 +134,21 @@ STDAPI COM_EXPORT VariantClear(VARIANT* variant);
 STDAPI COM_EXPORT VariantCopy(VARIANT* target, const VARIANT* source);
 /// As VariantCopy, with VT_BYREF resolved.
 STDAPI COM_EXPORT VariantCopyInd(VARIANT* target, const VARIANT* source);
-/// Target and source may be one; on failure the target is unchanged.
-STDAPI COM_EXPORT VariantChangeType(VARIANT* target, const VARIANT* source, USHORT flags, VARTYPE type);
-STDAPI COM_EXPORT VariantChangeTypeEx(VARIANT* target, const VARIANT* source, LCID lcid, USHORT flags,
-                                      VARTYPE type);
+/// How VariantChangeType goes about: no default property of an object; "True" and "False" for a
+/// VT_BOOL as text.
+inline constexpr USHORT VARIANT_NOVALUEPROP = 0x01;
+inline constexpr USHORT VARIANT_ALPHABOOL = 0x02;
+inline constexpr USHORT VARIANT_LOCALBOOL = 0x10;
+/// Target and source may be one; on failure the target is unchanged. Text is US English, whatever
+/// `lcid` says. Text to VT_DATE is not served: DISP_E_TYPEMISMATCH. Arrays, records and decimals
+/// are DISP_E_BADVARTYPE.
+STDAPI COM_EXPORT VariantChangeType(VARIANT* target, const VARIANT* source, USHORT flags,
+                                    VARTYPE type);
+STDAPI COM_EXPORT VariantChangeTypeEx(VARIANT* target, const VARIANT* source, LCID lcid,
+                                      USHORT flags, VARTYPE type);
 
-/// The calling thread's error object. GetErrorInfo hands it over and clears it; S_FALSE and null if there is none.
+/// The calling thread's error object. GetErrorInfo hands it over and clears it; S_FALSE and null if
+/// there is none.
 STDAPI COM_EXPORT SetErrorInfo(ULONG reserved, IErrorInfo* info);
 STDAPI COM_EXPORT GetErrorInfo(ULONG reserved, IErrorInfo** info);
 STDAPI COM_EXPORT CreateErrorInfo(ICreateErrorInfo** info);

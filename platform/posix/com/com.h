@@ -1,4 +1,5 @@
-// COM and OLE Automation for Linux: everything that platform/com.h promises, by the system's own names.
+// COM and OLE Automation for Linux: everything that platform/com.h promises, by the system's own
+// names.
 #pragma once
 
 #include "platform/posix/com/activation.h"

@@ -1,0 +1,19 @@
+// Dates as text, by OLE Automation's rules for US English.
+#pragma once
+
+#include "platform/text.h"
+
+namespace velandoc {
+
+/// The days that a DATE may count: 1 January 100 to 31 December 9999, from 30 December 1899.
+inline constexpr DATE kMinDate = -657434;
+inline constexpr DATE kMaxDate = 2958465;
+
+/// Whether the date lies in these days, the last one to its end.
+bool IsValidDate(DATE date);
+
+/// "7/4/2009 6:00:00 AM"; the date alone at midnight, the time alone for day 0. The time is rounded
+/// to seconds. False if the date is not valid.
+bool FormatDate(DATE date, WideString& text);
+
+}  // namespace velandoc

@@ -127,3 +127,20 @@ struct IStream : ISequentialStream {
 };
 
 #pragma GCC diagnostic pop
+
+template <>
+struct UuidOf<IUnknown> {
+  static constexpr GUID value = IID_IUnknown;
+};
+template <>
+struct UuidOf<IDispatch> {
+  static constexpr GUID value = IID_IDispatch;
+};
+template <>
+struct UuidOf<IStream> {
+  static constexpr GUID value = IID_IStream;
+};
+template <>
+struct UuidOf<IErrorInfo> {
+  static constexpr GUID value = IID_IErrorInfo;
+};

@@ -126,6 +126,17 @@ using REFCLSID = const CLSID&;
 #define DEFINE_GUID(name, l, w1, w2, b1, b2, b3, b4, b5, b6, b7, b8) \
   [[maybe_unused]] inline constexpr GUID name = {l, w1, w2, {b1, b2, b3, b4, b5, b6, b7, b8}}
 
+/// The identifier of an interface, by its type. The interface compiler's headers give it with the
+/// macro.
+template <class Interface>
+struct UuidOf;
+// Those headers are inside an extern "C" block where they use it.
+#define __CRT_UUID_DECL(type, l, w1, w2, b1, b2, b3, b4, b5, b6, b7, b8)         \
+  extern "C++" template <>                                                       \
+  struct UuidOf<type> {                                                          \
+    static constexpr GUID value = {l, w1, w2, {b1, b2, b3, b4, b5, b6, b7, b8}}; \
+  };
+
 inline constexpr GUID GUID_NULL = {0, 0, 0, {0, 0, 0, 0, 0, 0, 0, 0}};
 inline constexpr IID IID_NULL = GUID_NULL;
 

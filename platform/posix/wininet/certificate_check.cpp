@@ -1,0 +1,201 @@
+#include "platform/posix/wininet/certificate_check.h"
+
+#include <openssl/evp.h>
+#include <openssl/ssl.h>
+#include <openssl/x509v3.h>
+
+#include <cstdlib>
+
+#include "platform/posix/wininet/error_map.h"
+
+namespace velandoc::wininet {
+namespace {
+
+using CheckOwner = std::shared_ptr<CertificateCheck>;
+
+struct FreeBio {
+  void operator()(BIO* bio) const { BIO_free(bio); }
+};
+using BioOwner = std::unique_ptr<BIO, FreeBio>;
+
+std::string TextOf(BIO* bio) {
+  char* data = nullptr;
+  const long size = BIO_get_mem_data(bio, &data);
+  std::string text(data, size > 0 ? static_cast<std::size_t>(size) : 0);
+  // A certificate's names are the peer's words; none of them may steer a terminal.
+  for (char& character : text) {
+    if (static_cast<unsigned char>(character) < 0x20 || character == 0x7F) character = ' ';
+  }
+  return text;
+}
+
+std::string NameText(const X509_NAME* name) {
+  const BioOwner bio(BIO_new(BIO_s_mem()));
+  X509_NAME_print_ex(bio.get(), name, 0, XN_FLAG_ONELINE & ~ASN1_STRFLGS_ESC_MSB);
+  return TextOf(bio.get());
+}
+
+std::string TimeText(const ASN1_TIME* time) {
+  const BioOwner bio(BIO_new(BIO_s_mem()));
+  ASN1_TIME_print(bio.get(), time);
+  return TextOf(bio.get());
+}
+
+std::string Fingerprint(const X509* certificate) {
+  static constexpr char kDigits[] = "0123456789ABCDEF";
+  unsigned char digest[EVP_MAX_MD_SIZE];
+  unsigned size = 0;
+  if (X509_digest(certificate, EVP_sha256(), digest, &size) != 1) return {};
+  std::string text;
+  for (unsigned i = 0; i < size; ++i) {
+    if (i != 0) text += ':';
+    text += kDigits[digest[i] >> 4];
+    text += kDigits[digest[i] & 15];
+  }
+  return text;
+}
+
+void FreeCheckOwner(void*, void* owner, CRYPTO_EX_DATA*, int, long, void*) {
+  delete static_cast<CheckOwner*>(owner);
+}
+
+int ExDataIndex() {
+  static const int index = SSL_CTX_get_ex_new_index(0, nullptr, nullptr, nullptr, &FreeCheckOwner);
+  return index;
+}
+
+CertificateCheck* CheckOf(const SSL_CTX* context) {
+  const auto* owner = static_cast<CheckOwner*>(SSL_CTX_get_ex_data(context, ExDataIndex()));
+  return owner != nullptr ? owner->get() : nullptr;
+}
+
+CertificateCheck* CheckOf(X509_STORE_CTX* store) {
+  const auto* ssl =
+      static_cast<SSL*>(X509_STORE_CTX_get_ex_data(store, SSL_get_ex_data_X509_STORE_CTX_idx()));
+  return ssl != nullptr ? CheckOf(SSL_get_SSL_CTX(ssl)) : nullptr;
+}
+
+/// Called for each problem; goes on behind all of them so that none hides another.
+int NoteProblem(int ok, X509_STORE_CTX* store) {
+  CertificateCheck* check = CheckOf(store);
+  if (check == nullptr) return ok;
+  if (ok != 0) return 1;
+  switch (X509_STORE_CTX_get_error(store)) {
+    case X509_V_ERR_CERT_HAS_EXPIRED:
+    case X509_V_ERR_CERT_NOT_YET_VALID:
+      check->hasDateProblem = true;
+      break;
+    case X509_V_ERR_HOSTNAME_MISMATCH:
+    case X509_V_ERR_IP_ADDRESS_MISMATCH:
+      check->hasNameProblem = true;
+      break;
+    case X509_V_ERR_DEPTH_ZERO_SELF_SIGNED_CERT:
+    case X509_V_ERR_SELF_SIGNED_CERT_IN_CHAIN:
+    case X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT:
+    case X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT_LOCALLY:
+    case X509_V_ERR_UNABLE_TO_VERIFY_LEAF_SIGNATURE:
+    case X509_V_ERR_CERT_UNTRUSTED:
+      check->hasUnknownAuthority = true;
+      break;
+    case X509_V_ERR_INVALID_PURPOSE:
+    case X509_V_ERR_CERT_REJECTED:
+      check->hasWrongUsage = true;
+      break;
+    default:
+      check->hasOtherProblem = true;
+      break;
+  }
+  return 1;
+}
+
+int Verify(X509_STORE_CTX* store, void*) {
+  CertificateCheck* check = CheckOf(store);
+  if (check == nullptr) return 0;
+  X509* certificate = X509_STORE_CTX_get0_cert(store);
+  check->facts.subject = NameText(X509_get_subject_name(certificate));
+  check->facts.issuer = NameText(X509_get_issuer_name(certificate));
+  check->facts.validFrom = TimeText(X509_get0_notBefore(certificate));
+  check->facts.validUntil = TimeText(X509_get0_notAfter(certificate));
+  check->facts.sha256 = Fingerprint(certificate);
+
+  X509_VERIFY_PARAM* rules = X509_STORE_CTX_get0_param(store);
+  std::string host = check->host;
+  if (host.size() > 2 && host.front() == '[') host = host.substr(1, host.size() - 2);
+  if (X509_VERIFY_PARAM_set1_ip_asc(rules, host.c_str()) != 1) {
+    // A dot behind the name is the root's and stands in no certificate.
+    if (!host.empty() && host.back() == '.') host.pop_back();
+    X509_VERIFY_PARAM_set_hostflags(rules, X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS);
+    if (X509_VERIFY_PARAM_set1_host(rules, host.c_str(), host.size()) != 1) return 0;
+  }
+  X509_STORE_CTX_set_verify_cb(store, &NoteProblem);
+  // Not 1 although every problem was passed over: no judgement was possible at all.
+  if (X509_verify_cert(store) != 1) check->hasOtherProblem = true;
+  if (check->FirstProblem() != ERROR_SUCCESS) {
+    X509_STORE_CTX_set_error(store, X509_V_ERR_APPLICATION_VERIFICATION);
+    return 0;
+  }
+  X509_STORE_CTX_set_error(store, X509_V_OK);
+  return 1;
+}
+
+/// There is no client certificate to give; that one was asked for explains a refusal later.
+int NoteClientCertificate(SSL* ssl, X509**, EVP_PKEY**) {
+  if (CertificateCheck* check = CheckOf(SSL_get_SSL_CTX(ssl)))
+    check->clientCertificateWanted = true;
+  return 0;
+}
+
+CURLcode SetUpContext(CURL*, void* context, void* check) {
+  auto* ssl = static_cast<SSL_CTX*>(context);
+  auto owner = std::make_unique<CheckOwner>(*static_cast<CheckOwner*>(check));
+  if (SSL_CTX_set_ex_data(ssl, ExDataIndex(), owner.get()) != 1) return CURLE_OUT_OF_MEMORY;
+  // The context owns it from here on.
+  static_cast<void>(owner.release());
+  SSL_CTX_set_cert_verify_callback(ssl, &Verify, nullptr);
+  SSL_CTX_set_client_cert_cb(ssl, &NoteClientCertificate);
+  return CURLE_OK;
+}
+
+/// The environment variables that the curl command reads, in its order.
+void UseConfiguredAuthorities(CURL* easy) {
+  if (const char* bundle = std::getenv("CURL_CA_BUNDLE"); bundle != nullptr && *bundle != '\0') {
+    curl_easy_setopt(easy, CURLOPT_CAINFO, bundle);
+    return;
+  }
+  if (const char* folder = std::getenv("SSL_CERT_DIR"); folder != nullptr && *folder != '\0') {
+    curl_easy_setopt(easy, CURLOPT_CAPATH, folder);
+  }
+  if (const char* file = std::getenv("SSL_CERT_FILE"); file != nullptr && *file != '\0') {
+    curl_easy_setopt(easy, CURLOPT_CAINFO, file);
+  }
+}
+
+}  // namespace
+
+DWORD CertificateCheck::FirstProblem() const {
+  const auto passes = [this](DWORD flag) { return (ignoreFlags & flag) != 0; };
+  if (hasOtherProblem) return kErrorInvalidCertificate;
+  if (hasWrongUsage && !passes(SECURITY_FLAG_IGNORE_WRONG_USAGE)) return kErrorInvalidCertificate;
+  if (hasDateProblem && !passes(SECURITY_FLAG_IGNORE_CERT_DATE_INVALID)) {
+    return ERROR_INTERNET_SEC_CERT_DATE_INVALID;
+  }
+  if (hasNameProblem && !passes(SECURITY_FLAG_IGNORE_CERT_CN_INVALID)) {
+    return ERROR_INTERNET_SEC_CERT_CN_INVALID;
+  }
+  if (hasUnknownAuthority && !passes(SECURITY_FLAG_IGNORE_UNKNOWN_CA)) {
+    return ERROR_INTERNET_INVALID_CA;
+  }
+  return ERROR_SUCCESS;
+}
+
+void InstallCertificateCheck(CURL* easy, const std::shared_ptr<CertificateCheck>& check) {
+  UseConfiguredAuthorities(easy);
+  // libcurl's own look at the name would add nothing and knows no flags; the chain is asked for all
+  // the same.
+  curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
+  curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 0L);
+  curl_easy_setopt(easy, CURLOPT_SSL_CTX_FUNCTION, &SetUpContext);
+  curl_easy_setopt(easy, CURLOPT_SSL_CTX_DATA, &check);
+}
+
+}  // namespace velandoc::wininet

@@ -1,0 +1,77 @@
+#include "platform/posix/wininet/connection_pool.h"
+
+#include <map>
+#include <mutex>
+#include <new>
+
+namespace velandoc::wininet {
+namespace {
+
+// Enough for the servers that one thread talks to in turns; an older idle connection is closed for
+// a newer one.
+constexpr long kMaxIdleConnections = 16;
+// Easy handles kept for reuse: making one costs more than all the options of a request.
+constexpr std::size_t kMaxIdleEasy = 4;
+
+using Pools = std::map<DWORD, std::shared_ptr<ConnectionPool>>;
+
+Pools& ThreadPools() {
+  thread_local Pools pools;
+  return pools;
+}
+
+void InitialiseCurlOnce() {
+  static std::once_flag once;
+  std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
+}
+
+}  // namespace
+
+ConnectionPool::ConnectionPool() : m_multi(curl_multi_init()), m_share(curl_share_init()) {
+  if (m_multi == nullptr || m_share == nullptr) {
+    curl_multi_cleanup(m_multi);
+    curl_share_cleanup(m_share);
+    throw std::bad_alloc();
+  }
+  curl_multi_setopt(m_multi, CURLMOPT_MAXCONNECTS, kMaxIdleConnections);
+  curl_multi_setopt(m_multi, CURLMOPT_PIPELINING, CURLPIPE_NOTHING);
+  curl_share_setopt(m_share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
+}
+
+ConnectionPool::~ConnectionPool() {
+  for (CURL* easy : m_idle) curl_easy_cleanup(easy);
+  curl_multi_cleanup(m_multi);
+  curl_share_cleanup(m_share);
+}
+
+std::shared_ptr<ConnectionPool> ConnectionPool::ForThread(DWORD ignoreFlags) {
+  InitialiseCurlOnce();
+  std::shared_ptr<ConnectionPool>& pool = ThreadPools()[ignoreFlags];
+  if (pool == nullptr) pool = std::make_shared<ConnectionPool>();
+  return pool;
+}
+
+void ConnectionPool::ForgetThread() { ThreadPools().clear(); }
+
+CURL* ConnectionPool::TakeEasy() {
+  CURL* easy = nullptr;
+  if (m_idle.empty()) {
+    easy = curl_easy_init();
+  } else {
+    easy = m_idle.back();
+    m_idle.pop_back();
+  }
+  if (easy != nullptr) curl_easy_setopt(easy, CURLOPT_SHARE, m_share);
+  return easy;
+}
+
+void ConnectionPool::GiveBackEasy(CURL* easy) {
+  if (m_idle.size() >= kMaxIdleEasy) {
+    curl_easy_cleanup(easy);
+    return;
+  }
+  curl_easy_reset(easy);
+  m_idle.push_back(easy);
+}
+
+}  // namespace velandoc::wininet

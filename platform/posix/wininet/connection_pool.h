@@ -1,0 +1,42 @@
+// What lives below the handles and outlasts them: sockets, TLS sessions and easy handles, kept for
+// each thread.
+//
+// A fresh session, connection and request then find the socket of the one before. A thread has one
+// pool for each set of certificate problems that its requests let pass, so a connection made under
+// looser rules never carries a request with stricter ones. A pool ends, and closes its sockets,
+// when the thread has ended and the last request that used it is closed.
+#pragma once
+
+#include <curl/curl.h>
+
+#include <memory>
+#include <vector>
+
+#include "platform/posix/wininet_types.h"
+
+namespace velandoc::wininet {
+
+class ConnectionPool {
+ public:
+  ConnectionPool();
+  ~ConnectionPool();
+  ConnectionPool(const ConnectionPool&) = delete;
+  ConnectionPool& operator=(const ConnectionPool&) = delete;
+
+  /// The calling thread's pool for these SECURITY_FLAG_IGNORE bits.
+  static std::shared_ptr<ConnectionPool> ForThread(DWORD ignoreFlags);
+  /// Closes the calling thread's idle connections.
+  static void ForgetThread();
+
+  CURLM* Multi() const { return m_multi; }
+  /// A handle with no options set but the shared session cache; null if there is no memory.
+  CURL* TakeEasy();
+  void GiveBackEasy(CURL* easy);
+
+ private:
+  CURLM* m_multi;
+  CURLSH* m_share;
+  std::vector<CURL*> m_idle;
+};
+
+}  // namespace velandoc::wininet

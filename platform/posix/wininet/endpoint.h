@@ -1,0 +1,46 @@
+// Where a request goes: the server, and the text that names the object on it.
+#pragma once
+
+#include <string>
+
+#include "platform/posix/wininet_types.h"
+#include "platform/text.h"
+
+namespace velandoc::wininet {
+
+struct Endpoint {
+  bool secure = false;
+  std::string host;  // UTF-8; an IPv6 address in brackets
+  unsigned port = 0;
+
+  friend bool operator==(const Endpoint&, const Endpoint&) = default;
+};
+
+/// host, with ":port" unless it is the scheme's own: the value of the Host header.
+std::string HostHeader(const Endpoint& endpoint);
+
+/// scheme://host:port, always with the port: what stands before the target in a request to a proxy.
+std::string Origin(const Endpoint& endpoint);
+
+/// Only the characters of names and addresses. Keeps "a@b" or "a/b" from meaning another host once
+/// it is in a URL.
+bool IsUsableHost(const std::string& host);
+
+/// The request target of an object name: "/" is put in front where it lacks one; in the path
+/// non-ASCII characters become percent-escaped UTF-8 in lower-case hexadecimal; from the first "?"
+/// or "#" on they become bytes of the code page; blanks and control characters are escaped
+/// everywhere, so no name can end the request line. All else, "%" and "//" included, goes out as it
+/// is.
+std::string RequestTarget(WideView objectName);
+
+/// A redirect's way: `location` as the server wrote it, absolute or relative to `target` on
+/// `endpoint`. A fragment is dropped. False for other schemes than http and https or text that is
+/// no URL; then nothing is changed.
+bool FollowLocation(const std::string& location, Endpoint& endpoint, std::string& target);
+
+/// UTF-16 to UTF-8 and to bytes of the code page (1252), and back.
+std::string Utf8(WideView text);
+std::string AnsiBytes(WideView text);
+WideString FromAnsiBytes(std::string_view bytes);
+
+}  // namespace velandoc::wininet

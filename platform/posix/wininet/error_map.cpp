@@ -1,0 +1,44 @@
+#include "platform/posix/wininet/error_map.h"
+
+#include <cerrno>
+
+namespace velandoc::wininet {
+namespace {
+
+struct Row {
+  CURLcode result;
+  DWORD error;
+};
+
+constexpr Row kRows[] = {
+    {CURLE_UNSUPPORTED_PROTOCOL, ERROR_HTTP_INVALID_SERVER_RESPONSE},  // an answer without a head
+    {CURLE_URL_MALFORMAT, ERROR_INTERNET_INVALID_URL},
+    {CURLE_COULDNT_RESOLVE_PROXY, ERROR_INTERNET_NAME_NOT_RESOLVED},
+    {CURLE_COULDNT_RESOLVE_HOST, ERROR_INTERNET_NAME_NOT_RESOLVED},
+    {CURLE_COULDNT_CONNECT, ERROR_INTERNET_CANNOT_CONNECT},
+    {CURLE_WEIRD_SERVER_REPLY, ERROR_HTTP_INVALID_SERVER_RESPONSE},
+    {CURLE_PARTIAL_FILE, ERROR_INTERNET_CONNECTION_ABORTED},
+    {CURLE_OUT_OF_MEMORY, ERROR_NOT_ENOUGH_MEMORY},
+    {CURLE_OPERATION_TIMEDOUT, ERROR_INTERNET_TIMEOUT},
+    {CURLE_SSL_CONNECT_ERROR, ERROR_INTERNET_SECURITY_CHANNEL_ERROR},
+    {CURLE_GOT_NOTHING, ERROR_HTTP_INVALID_SERVER_RESPONSE},
+    {CURLE_BAD_CONTENT_ENCODING, ERROR_HTTP_INVALID_SERVER_RESPONSE},
+    {CURLE_SEND_FAIL_REWIND, ERROR_INTERNET_CONNECTION_ABORTED},
+    {CURLE_PEER_FAILED_VERIFICATION, kErrorInvalidCertificate},
+    {CURLE_PROXY, ERROR_INTERNET_CANNOT_CONNECT},
+};
+
+}  // namespace
+
+DWORD ErrorOf(CURLcode result, long osErrno) {
+  if (result == CURLE_RECV_ERROR || result == CURLE_SEND_ERROR) {
+    return osErrno == ECONNRESET || osErrno == EPIPE ? ERROR_INTERNET_CONNECTION_RESET
+                                                     : ERROR_INTERNET_CONNECTION_ABORTED;
+  }
+  for (const Row& row : kRows) {
+    if (row.result == result) return row.error;
+  }
+  return ERROR_INTERNET_INTERNAL_ERROR;
+}
+
+}  // namespace velandoc::wininet

@@ -1,0 +1,18 @@
+// From libcurl's results to WinINet's numbers.
+#pragma once
+
+#include <curl/curl.h>
+
+#include "platform/posix/wininet_types.h"
+
+namespace velandoc::wininet {
+
+/// Of the whole library; never seen as long as the server's certificate is the only TLS matter.
+inline constexpr DWORD kErrorOutOfHandles = 12001;        // ERROR_INTERNET_OUT_OF_HANDLES
+inline constexpr DWORD kErrorInvalidCertificate = 12169;  // ERROR_INTERNET_SEC_INVALID_CERT
+
+/// Not for CURLE_OK, and not for a refused certificate, whose reason the TLS side knows better.
+/// `osErrno` is the system's reason where libcurl has one, else 0.
+DWORD ErrorOf(CURLcode result, long osErrno);
+
+}  // namespace velandoc::wininet

@@ -1,0 +1,147 @@
+// One request and its answer over libcurl, driven by the calling thread: pushed body, pulled
+// answer.
+//
+// At most kBufferedBytes of either direction are held; a body of any length passes through. Nothing
+// runs between two calls, so a slow caller slows the peer and no thread is needed.
+#pragma once
+
+#include <curl/curl.h>
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/posix/wininet/certificate_check.h"
+#include "platform/posix/wininet/connection_pool.h"
+#include "platform/posix/wininet/deadlines.h"
+#include "platform/posix/wininet/header_block.h"
+#include "platform/posix/wininet/proxy.h"
+
+namespace velandoc::wininet {
+
+/// User name and password with the one scheme that they are for (a CURLAUTH bit).
+struct Login {
+  unsigned long scheme = 0;
+  std::string user;
+  std::string password;
+};
+
+enum class BodyKind { kNone, kMemory, kStreamed };
+
+struct TransferPlan {
+  Endpoint server;
+  std::string target;  // the request line's, also the absolute form for a proxy
+  std::string path;    // the same without an origin
+  std::string verb;
+  std::vector<std::string> headerLines;  // in their order on the wire; "Name: value"
+  BodyKind bodyKind = BodyKind::kNone;
+  std::string_view body;                    // kMemory; must live as long as the transfer
+  std::optional<std::uint64_t> bodyLength;  // kStreamed; none: chunked
+  std::optional<Proxy> proxy;
+  std::optional<Login> serverLogin;
+  std::optional<Login> proxyLogin;
+  DWORD ignoreFlags = 0;
+};
+
+class Transfer {
+ public:
+  static constexpr std::size_t kBufferedBytes = 64 * 1024;
+
+  /// Builds the request; nothing is sent yet.
+  explicit Transfer(const TransferPlan& plan);
+  /// Ends the exchange. What is left of a short answer is read away first, so that the connection
+  /// can serve again.
+  ~Transfer();
+  Transfer(const Transfer&) = delete;
+  Transfer& operator=(const Transfer&) = delete;
+
+  /// All return ERROR_SUCCESS or WinINet's number.
+
+  /// Until the final head is there (1xx passed over), or for a streamed body until the peer takes
+  /// its first byte.
+  DWORD Start();
+  DWORD Write(const char* data, std::size_t size);
+  /// Ends a streamed body and waits for the final head.
+  DWORD EndBody();
+  /// Fills the buffer unless the answer ends before. What came before a failure is given out first.
+  DWORD Read(char* buffer, std::size_t size, std::size_t* read);
+  /// Reads away the rest of a short body, so that the connection can serve again. Waits for the
+  /// peer, but not for long.
+  void Drain();
+
+  bool HasHead() const { return m_headIsFinal; }
+  const ResponseHead& Head() const { return m_head; }
+  const CertificateCheck& Certificate() const { return *m_certificate; }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  static std::size_t OnHeader(char* data, std::size_t size, std::size_t count, void* self);
+  static std::size_t OnBody(char* data, std::size_t size, std::size_t count, void* self);
+  static std::size_t OnUpload(char* buffer, std::size_t size, std::size_t count, void* self);
+  static int OnSeek(void* self, curl_off_t offset, int origin);
+
+  void SetOptions(const TransferPlan& plan);
+  void SetHeaders(const TransferPlan& plan);
+  void TakeHeaderLine(std::string_view line);
+  std::size_t TakeBody(const char* data, std::size_t size);
+  std::size_t GiveBody(char* buffer, std::size_t size);
+  /// One round of libcurl; waits for the peer if `maySleep` and nothing happened.
+  /// ERROR_INTERNET_TIMEOUT when the peer kept still for too long.
+  DWORD Step(bool maySleep);
+  void CollectResults();
+  void Finish(CURLcode result);
+  void Abort(DWORD error);
+  template <class Condition>
+  DWORD DriveUntil(Condition condition);
+  bool HasStoppedSending() const { return m_headIsFinal && m_head.status >= 300; }
+  bool IsGatheredSent() const { return m_gatheredBegin == m_gathered.size(); }
+  void DropSent();
+  void DiscardRest(std::chrono::milliseconds patience);
+  void Pause();
+  void ResumeReceiving();
+  void ResumeSending();
+
+  std::shared_ptr<ConnectionPool> m_pool;
+  std::shared_ptr<CertificateCheck> m_certificate;
+  CURL* m_easy = nullptr;
+  curl_slist* m_headerList = nullptr;
+  curl_slist* m_proxyHeaderList = nullptr;
+  bool m_running = false;  // in the pool's multi handle
+  bool m_done = false;
+  DWORD m_error = ERROR_SUCCESS;
+  bool m_moved = false;  // a callback ran since the latest round
+  Deadlines m_deadlines = CurrentDeadlines();
+  Clock::time_point m_lastMove = Clock::now();
+  curl_off_t m_sentAtLastMove = 0;
+
+  // The answer.
+  ResponseHead m_head;
+  bool m_headBlockComplete = false;  // the block may still be one of a login's steps
+  bool m_headIsFinal = false;
+  bool m_negotiates = false;  // a head may be a step of a login or of a tunnel, not yet the answer
+  std::vector<char> m_received;
+  std::size_t m_receivedBegin = 0;
+  bool m_receivePaused = false;
+  bool m_discard = false;
+  std::size_t m_discarded = 0;
+  char* m_target = nullptr;  // the caller's buffer during Read
+  std::size_t m_targetRoom = 0;
+
+  // The streamed body. m_gathered[m_gatheredBegin..] is still to be sent, then m_source.
+  bool m_streamed = false;
+  std::optional<std::uint64_t> m_unwritten;  // bytes still to come of a declared length
+  std::vector<char> m_gathered;
+  std::size_t m_gatheredBegin = 0;
+  const char* m_source = nullptr;
+  std::size_t m_sourceSize = 0;
+  std::uint64_t m_dropped = 0;  // bytes given to libcurl that are held no more
+  bool m_bodyBegun = false;     // libcurl has asked for the first byte
+  bool m_bodyEnded = false;
+  bool m_sendPaused = false;
+};
+
+}  // namespace velandoc::wininet

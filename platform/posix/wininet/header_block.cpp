@@ -145,10 +145,7 @@ void HeaderBlock::ReplaceFromText(std::string_view text) {
     text.remove_prefix(std::min(end + 1, text.size()));
     const std::size_t colon = line.find(':');
     if (colon == std::string_view::npos || colon == 0) continue;
-    const std::string_view name = TrimBlanks(line.substr(0, colon));
-    const std::string_view value = TrimBlanks(line.substr(colon + 1));
-    const std::string* there = Find(name);
-    if (there == nullptr || *there != value) Replace(name, value);
+    Replace(TrimBlanks(line.substr(0, colon)), TrimBlanks(line.substr(colon + 1)));
   }
 }
 

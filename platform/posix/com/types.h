@@ -25,6 +25,8 @@
 #define COM_EXPORT __attribute__((visibility("default")))
 #define STDAPI extern "C" HRESULT
 #define STDAPI_(type) extern "C" type
+#define STDMETHODIMP HRESULT STDMETHODCALLTYPE
+#define STDMETHODIMP_(type) type STDMETHODCALLTYPE
 
 using BYTE = std::uint8_t;
 using CHAR = char;

@@ -1,0 +1,37 @@
+// CWinApp, the application object of the library, and the message map that it has to have.
+#pragma once
+
+#include <span>
+
+#include "platform/mfc/module_state.h"
+
+/// A handler of a window message. The library's application object has none.
+struct AFX_MSGMAP_ENTRY {
+  UINT nMessage;
+};
+struct AFX_MSGMAP {
+  std::span<const AFX_MSGMAP_ENTRY> entries;
+};
+
+/// One exists in a library, as a global. Its construction makes it the application of the library's
+/// module state, its destruction ends that.
+class CWinApp {
+ public:
+  CWinApp();
+  CWinApp(const CWinApp&) = delete;
+  CWinApp& operator=(const CWinApp&) = delete;
+  virtual ~CWinApp();
+
+  virtual const AFX_MSGMAP* GetMessageMap() const;
+  /// When the library has been loaded. Asks LoadAppLangResourceDLL for a satellite and, if there is
+  /// one, makes it the module state's resource instance. FALSE keeps the library from being loaded.
+  virtual BOOL InitInstance();
+  /// Before the library is unloaded. The result has no effect.
+  virtual int ExitInstance();
+  /// The handle of the language's satellite, null for none, which the base always says.
+  virtual HINSTANCE LoadAppLangResourceDLL();
+
+  HINSTANCE m_hInstance = nullptr;
+  /// What LoadAppLangResourceDLL gave. Never unloaded.
+  HINSTANCE m_hLangResourceDLL = nullptr;
+};

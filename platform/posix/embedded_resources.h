@@ -1,0 +1,20 @@
+// The table that the build makes of resources/velandoc.rc for the Linux home.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "platform/com.h"
+
+namespace velandoc {
+
+struct EmbeddedResource {
+  std::u16string_view type;
+  WORD id;
+  std::string_view bytes;
+};
+
+/// In the resource script's order.
+std::span<const EmbeddedResource> EmbeddedResources();
+
+}  // namespace velandoc

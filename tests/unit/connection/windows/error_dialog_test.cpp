@@ -140,14 +140,14 @@ TEST_F(ErrorDialogTest, CancelLeavesTheChallengeAsTheAnswer) {
 }
 
 TEST_F(ErrorDialogTest, ADeclinedCertificateProblemEndsTheCall) {
-  m_standin->SetCertificate("unknownca");
+  m_standin->SetCertificate("expired");
   Watcher watcher({{IDCANCEL, L"", L""}});
   DWORD status = 1;
   DWORD error = 0;
   EXPECT_EQ(Get(m_standin->HttpsUrl("/bytes/10"), status, error), E_FAIL);
   EXPECT_EQ(watcher.Stop(), 1u);
   EXPECT_EQ(status, 0u);
-  EXPECT_EQ(error, ERROR_INTERNET_INVALID_CA);
+  EXPECT_EQ(error, ERROR_INTERNET_SEC_CERT_DATE_INVALID);
   EXPECT_TRUE(m_standin->Log().empty());
 }
 

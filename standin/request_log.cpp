@@ -1,6 +1,7 @@
 #include "standin/request_log.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -78,6 +79,9 @@ std::string FormatLine(const Request& request, std::uint64_t number) {
 RequestLog::RequestLog(const std::string& path)
     : m_file(open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0666)) {
   if (!m_file.IsOpen()) throw std::system_error(errno, std::generic_category(), path);
+  struct stat status {};
+  m_isRegularFile = fstat(m_file.Get(), &status) == 0 && S_ISREG(status.st_mode);
+  m_isRecording = m_isRegularFile;
 }
 
 void RequestLog::Add(const Request& request) {
@@ -115,7 +119,7 @@ std::string RequestLog::Read(std::uint64_t since) const {
 
 void RequestLog::Clear() {
   const std::lock_guard lock(m_mutex);
-  if (ftruncate(m_file.Get(), 0) != 0)
+  if (m_isRegularFile && ftruncate(m_file.Get(), 0) != 0)
     throw std::system_error(errno, std::generic_category(), "the log cannot be emptied");
   m_lines.clear();
   m_size = 0;
@@ -123,7 +127,7 @@ void RequestLog::Clear() {
 
 void RequestLog::SetRecording(bool on) {
   const std::lock_guard lock(m_mutex);
-  m_isRecording = on;
+  m_isRecording = on && m_isRegularFile;
 }
 
 bool RequestLog::IsRecording() const {

@@ -17,7 +17,8 @@ namespace velandoc::standin {
 
 class RequestLog {
  public:
-  // Empties or creates the file. Throws std::system_error when that fails.
+  // Empties or creates the file. Throws std::system_error when that fails. What is no regular file,
+  // /dev/null say, records nothing; requests are counted all the same.
   explicit RequestLog(const std::string& path);
 
   // Writes the request before it returns. Beyond 512 MiB of log, requests are counted only.
@@ -47,6 +48,7 @@ class RequestLog {
   std::vector<Line> m_lines;
   off_t m_size = 0;
   std::uint64_t m_count = 0;
+  bool m_isRegularFile = true;
   bool m_isRecording = true;
 };
 

@@ -941,6 +941,17 @@ class ProcessTest(unittest.TestCase):
         hanging.close()
         idle.close()
 
+    def test_null_device_as_log(self):
+        server = Server(self.folder.name, "--log", os.devnull)
+        self.addCleanup(server.stop)
+        with socket.create_connection(("127.0.0.1", server.http), timeout=10) as connection:
+            connection.sendall(b"GET /bytes/1 HTTP/1.0\r\n\r\n")
+            self.assertEqual(status_of(read_all(connection)), 200)
+        server.command("DELETE", "/log")
+        server.command("PUT", "/recording", {"on": True})
+        self.assertEqual(server.log(), [])
+        self.assertEqual(server.command("GET", "/stats")["requests"], 1)
+
     def test_ends_itself(self):
         server = Server(self.folder.name, "--max-seconds", "1")
         self.assertEqual(server.process.wait(timeout=5), 0)

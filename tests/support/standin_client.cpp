@@ -64,7 +64,7 @@ class Socket {
   void Send(std::string_view bytes) {
     while (!bytes.empty()) {
       const auto sent = send(m_handle, bytes.data(), static_cast<IoSize>(bytes.size()), 0);
-      if (sent <= 0) throw std::runtime_error("stand-in: the control connection broke");
+      if (sent <= 0) throw std::runtime_error("stand-in: the connection broke");
       bytes.remove_prefix(static_cast<std::size_t>(sent));
     }
   }
@@ -74,7 +74,7 @@ class Socket {
     std::array<char, 16384> piece{};
     for (;;) {
       const auto got = recv(m_handle, piece.data(), static_cast<IoSize>(piece.size()), 0);
-      if (got < 0) throw std::runtime_error("stand-in: the control connection broke");
+      if (got < 0) throw std::runtime_error("stand-in: the connection broke");
       if (got == 0) return bytes;
       bytes.append(piece.data(), static_cast<std::size_t>(got));
     }
@@ -190,9 +190,14 @@ void StandIn::Reset() {
   ClearLog();
 }
 
+std::string StandIn::Exchange(std::uint16_t port, std::string_view bytes) const {
+  Socket socket(port);
+  socket.Send(bytes);
+  return socket.ReceiveAll();
+}
+
 std::string StandIn::Command(std::string_view method, std::string_view target,
                              std::string_view body) const {
-  Socket socket(m_control);
   std::string request(method);
   request += ' ';
   request += target;
@@ -200,8 +205,7 @@ std::string StandIn::Command(std::string_view method, std::string_view target,
   request += std::to_string(body.size());
   request += "\r\n\r\n";
   request += body;
-  socket.Send(request);
-  std::string answer = socket.ReceiveAll();
+  std::string answer = Exchange(m_control, request);
   const std::size_t end = answer.find("\r\n\r\n");
   if (end == std::string::npos || !answer.starts_with("HTTP/1.1 200 "))
     throw std::runtime_error("stand-in: " + std::string(method) + " " + std::string(target) +

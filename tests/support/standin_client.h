@@ -75,6 +75,10 @@ class StandIn {
 
   StandInStats Stats() const;
 
+  // Sends bytes to one of the ports and returns all that comes back until the server ends the
+  // connection. For tests of what is on the wire; ask for "Connection: close".
+  std::string Exchange(std::uint16_t port, std::string_view bytes) const;
+
   // Rules, log, forced certificate: all as after the start.
   void Reset();
 

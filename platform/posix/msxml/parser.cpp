@@ -1,0 +1,214 @@
+#include "platform/posix/msxml/parser.h"
+
+#include <libxml/SAX2.h>
+#include <libxml/parserInternals.h>
+
+#include <limits>
+#include <mutex>
+#include <new>
+
+#include "platform/posix/msxml/blanks.h"
+#include "platform/posix/msxml/start_tag_limit.h"
+#include "platform/posix/msxml/text_encoding.h"
+
+namespace velandoc::dom {
+namespace {
+
+struct ParserDeleter {
+  void operator()(xmlParserCtxt* parser) const {
+    // The tree is not freed with its parser.
+    xmlFreeDoc(parser->myDoc);
+    xmlFreeParserCtxt(parser);
+  }
+};
+using ParserOwner = std::unique_ptr<xmlParserCtxt, ParserDeleter>;
+
+// MSXML's numbers for the failures that scripts commonly tell apart.
+constexpr LONG kSyntaxError = MakeResult(0xC00CE553);
+constexpr LONG kNoRoot = MakeResult(0xC00CE558);
+constexpr LONG kTextBehindRoot = MakeResult(0xC00CE556);
+constexpr LONG kTagMismatch = MakeResult(0xC00CE56D);
+constexpr LONG kInvalidCharacter = MakeResult(0xC00CE508);
+constexpr LONG kUndefinedEntity = MakeResult(0xC00CE002);
+constexpr LONG kUndeclaredPrefix = MakeResult(0xC00CE00D);
+constexpr LONG kDtdProhibited = MakeResult(0xC00CE584);
+constexpr LONG kTooDeep = MakeResult(0xC00CE586);
+
+struct CodeOfError {
+  int libxml;
+  LONG code;
+};
+
+constexpr CodeOfError kCodes[] = {
+    {XML_ERR_DOCUMENT_EMPTY, kNoRoot},
+    {XML_ERR_DOCUMENT_END, kTextBehindRoot},
+    {XML_ERR_TAG_NAME_MISMATCH, kTagMismatch},
+    {XML_ERR_INVALID_CHAR, kInvalidCharacter},
+    {XML_ERR_UNDECLARED_ENTITY, kUndefinedEntity},
+    {XML_WAR_UNDECLARED_ENTITY, kUndefinedEntity},
+    {XML_NS_ERR_UNDEFINED_NAMESPACE, kUndeclaredPrefix},
+};
+
+LONG CodeOf(int error) {
+  for (const CodeOfError& entry : kCodes) {
+    if (entry.libxml == error) return entry.code;
+  }
+  return kSyntaxError;
+}
+
+ParseFailure& FailureOf(xmlParserCtxt* parser) {
+  return *static_cast<ParseFailure*>(parser->_private);
+}
+
+/// Remembers the first failure only: what follows are its consequences.
+void Note(xmlParserCtxt* parser, LONG code, std::string_view reason) {
+  ParseFailure& failure = FailureOf(parser);
+  if (failure.code != 0) return;
+  failure.code = code;
+  try {
+    failure.reason = reason;
+  } catch (const std::bad_alloc&) {
+    // The code says enough.
+  }
+  if (parser->input != nullptr) {
+    failure.line = parser->input->line;
+    failure.column = parser->input->col;
+    failure.offset = static_cast<LONG>(xmlByteConsumed(parser));
+  }
+}
+
+void Refuse(xmlParserCtxt* parser, LONG code, std::string_view reason) {
+  Note(parser, code, reason);
+  xmlStopParser(parser);
+}
+
+void OnError(void* context, xmlError* error) {
+  // The text of a namespace's name is nobody's business: it need not be a URI that libxml2 approves
+  // of.
+  if (error->level < XML_ERR_ERROR || error->code == XML_WAR_NS_URI ||
+      error->code == XML_WAR_NS_URI_RELATIVE) {
+    return;
+  }
+  // Unlike the other errors of this domain these do not end the parse, and no flag tells them from
+  // the two above.
+  std::string_view reason = error->message != nullptr ? error->message : "";
+  while (!reason.empty() && IsBlank(reason.back())) reason.remove_suffix(1);
+  Note(static_cast<xmlParserCtxt*>(context), CodeOf(error->code), reason);
+}
+
+void OnDoctype(void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
+  Refuse(static_cast<xmlParserCtxt*>(context), kDtdProhibited, "DTD is prohibited.");
+}
+
+void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
+                    int declarations, const xmlChar** declaration, int attributes, int defaulted,
+                    const xmlChar** attribute) {
+  auto* parser = static_cast<xmlParserCtxt*>(context);
+  // An element that is not linked into the tree would leave the parser's own stack out of step: the
+  // refused one is still made, and the parse ends behind it.
+  xmlSAX2StartElementNs(context, name, prefix, uri, declarations, declaration, attributes,
+                        defaulted, attribute);
+  if (parser->nodeNr > kMaxDepth) Refuse(parser, kTooDeep, "Elements are nested too deep.");
+  if (parser->nsNr / 2 > kMaxNamespacesInScope) {
+    Refuse(parser, kSyntaxError, "Too many namespace declarations are in force.");
+  }
+}
+
+void OnCharacters(void* context, const xmlChar* text, int size) {
+  auto* parser = static_cast<xmlParserCtxt*>(context);
+  xmlSAX2Characters(context, text, size);
+  // What a character reference stands for does not lie in the input, and the input stands behind
+  // its semicolon.
+  const xmlParserInput* input = parser->input;
+  const bool isReference = (text < input->base || text >= input->end) && input->cur > input->base &&
+                           input->cur[-1] == ';';
+  if (!isReference || parser->node == nullptr) return;
+  xmlNode* last = parser->node->last;
+  if (last != nullptr && last->type == XML_TEXT_NODE) last->extra |= kSignificant;
+}
+
+ParserOwner MakeParser(const Utf8Text& text, ParseFailure& failure) {
+  static std::once_flag initialized;
+  std::call_once(initialized, [] { xmlInitParser(); });
+  ParserOwner parser(xmlNewParserCtxt());
+  if (!parser) throw std::bad_alloc();
+  parser->_private = &failure;
+  parser->sax->internalSubset = OnDoctype;
+  parser->sax->startElementNs = OnStartElement;
+  parser->sax->characters = OnCharacters;
+  parser->sax->ignorableWhitespace = OnCharacters;
+  parser->sax->serror = OnError;
+  // HUGE lifts libxml2's limit of 10 MB to one text; the limits that it lifts besides are set anew
+  // above.
+  xmlCtxtUseOptions(parser.get(),
+                    XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC | XML_PARSE_COMPACT);
+  // No table of xml:id attributes: nobody asks for it.
+  parser->loadsubset |= XML_SKIP_IDS;
+
+  // The parser reads the text where it lies, up to its terminating zero. Its buffers would copy it,
+  // and the kind that does not copy loses its place in texts of more than 500 bytes (libxml2 2.9).
+  xmlParserInput* input = xmlNewStringInputStream(parser.get(), XmlText(text.bytes.get()));
+  if (input == nullptr) throw std::bad_alloc();
+  if (inputPush(parser.get(), input) < 0) {
+    xmlFreeInputStream(input);
+    throw std::bad_alloc();
+  }
+  return parser;
+}
+
+/// MSXML shows an XML declaration as the document's first node, with the text as it was written.
+void LinkDeclaration(xmlDoc* document, std::string_view text) {
+  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  constexpr std::string_view kBegin = "<?xml";
+  if (!text.starts_with(kBegin) || text.size() == kBegin.size() || !IsBlank(text[kBegin.size()]))
+    return;
+  text = text.substr(kBegin.size(), text.find("?>") - kBegin.size());
+  while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+  xmlNode* node = xmlNewDocPI(document, XmlText("xml"), XmlText(std::string(text)));
+  if (node == nullptr) throw std::bad_alloc();
+  LinkNode(AsNode(document), node, document->children);
+}
+
+}  // namespace
+
+XmlDocOwner Parse(std::u16string_view text, bool preserveWhiteSpace, ParseFailure& failure) {
+  failure = {};
+  text = text.substr(0, text.find(u'\0'));
+  Utf8Text utf8;
+  if (!EncodeStrictly(text, utf8)) {
+    failure.code = kInvalidCharacter;
+    failure.reason = "The text holds an unpaired surrogate.";
+    return nullptr;
+  }
+  if (utf8.size >= static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+    failure.code = kSyntaxError;
+    failure.reason = "The text is too long.";
+    return nullptr;
+  }
+  if (HasOversizedStartTag(utf8.View())) {
+    failure.code = kSyntaxError;
+    failure.reason = "A start tag has too many attributes.";
+    return nullptr;
+  }
+
+  const ParserOwner parser = MakeParser(utf8, failure);
+  xmlParseDocument(parser.get());
+  if (parser->errNo == XML_ERR_NO_MEMORY) throw std::bad_alloc();
+  if (failure.code != 0) return nullptr;
+  const xmlDoc* parsed = parser->myDoc;
+  if (parser->wellFormed == 0 || parsed == nullptr || xmlDocGetRootElement(parsed) == nullptr) {
+    Note(parser.get(), kSyntaxError, "The text is not XML.");
+    return nullptr;
+  }
+  if (View(parsed->version) != "1.0") {
+    Note(parser.get(), kSyntaxError, "The version of XML is not 1.0.");
+    return nullptr;
+  }
+  XmlDocOwner document(std::exchange(parser->myDoc, nullptr));
+  LinkDeclaration(document.get(), utf8.View());
+  if (!preserveWhiteSpace) StripBlanks(document.get());
+  return document;
+}
+
+}  // namespace velandoc::dom

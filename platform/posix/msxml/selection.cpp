@@ -1,0 +1,100 @@
+#include "platform/posix/msxml/selection.h"
+
+#include <new>
+
+#include "platform/posix/msxml/node_name.h"
+
+namespace velandoc::dom {
+namespace {
+
+/// Decodes XML's own five entities; false for any other reference, or a "<".
+bool ReadValue(std::string_view raw, std::string& value) {
+  struct Entity {
+    std::string_view name;
+    char character;
+  };
+  static constexpr Entity entities[] = {
+      {"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}, {"&apos;", '\''}};
+  value.clear();
+  while (!raw.empty()) {
+    if (raw.front() == '<') return false;
+    std::size_t size = 1;
+    char character = raw.front();
+    if (character == '&') {
+      size = 0;
+      for (const Entity& entity : entities) {
+        if (!raw.starts_with(entity.name)) continue;
+        size = entity.name.size();
+        character = entity.character;
+      }
+      if (size == 0) return false;
+    }
+    value += character;
+    raw.remove_prefix(size);
+  }
+  return true;
+}
+
+void SkipBlanks(std::string_view& text) {
+  while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
+}
+
+}  // namespace
+
+HRESULT Select(Tree& tree, xmlNode* context, const std::string& query,
+               std::vector<xmlNode*>& found) {
+  xmlXPathContext* const xpath = tree.XPathContext();
+  const XPathExpressionOwner expression(xmlXPathCtxtCompile(xpath, XmlText(query)));
+  if (!expression) return E_FAIL;
+  xpath->node = context;
+  const XPathObjectOwner result(xmlXPathCompiledEval(expression.get(), xpath));
+  xpath->node = nullptr;
+  if (!result) {
+    if (xpath->lastError.code == XML_ERR_NO_MEMORY) throw std::bad_alloc();
+    return E_FAIL;
+  }
+  if (result->type != XPATH_NODESET) return E_FAIL;
+  const xmlNodeSet* const nodes = result->nodesetval;
+  if (nodes == nullptr) return S_OK;
+  found.reserve(static_cast<std::size_t>(nodes->nodeNr));
+  for (int i = 0; i < nodes->nodeNr; ++i) {
+    // XPath's namespace nodes are copies that die with the result; the DOM has no such nodes.
+    if (!IsDeclaration(nodes->nodeTab[i])) found.push_back(nodes->nodeTab[i]);
+  }
+  return S_OK;
+}
+
+bool ReadSelectionNamespaces(const std::string& text, SelectionNamespaces& namespaces) {
+  SelectionNamespaces read;
+  std::string_view rest = text;
+  SkipBlanks(rest);
+  while (!rest.empty()) {
+    const std::size_t equals = rest.find('=');
+    if (equals == std::string_view::npos) return false;
+    std::string_view written = rest.substr(0, equals);
+    while (!written.empty() && IsBlank(written.back())) written.remove_suffix(1);
+    QualifiedName name;
+    if (!SplitName(std::string(written), name) || !name.IsDeclaration()) return false;
+    rest.remove_prefix(equals + 1);
+    SkipBlanks(rest);
+    if (rest.empty() || (rest.front() != '"' && rest.front() != '\'')) return false;
+    const std::size_t close = rest.find(rest.front(), 1);
+    if (close == std::string_view::npos) return false;
+    std::string uri;
+    if (!ReadValue(rest.substr(1, close - 1), uri)) return false;
+    rest.remove_prefix(close + 1);
+    if (!rest.empty() && !IsBlank(rest.front())) return false;
+    SkipBlanks(rest);
+    const std::string prefix = name.prefix.empty() ? std::string() : name.local;
+    // A prefix needs a namespace, and may be bound once.
+    if (!prefix.empty() && uri.empty()) return false;
+    for (const auto& [bound, other] : read) {
+      if (bound == prefix) return false;
+    }
+    read.emplace_back(prefix, std::move(uri));
+  }
+  namespaces = std::move(read);
+  return true;
+}
+
+}  // namespace velandoc::dom

@@ -1,0 +1,16 @@
+// What the command's exit codes mean. Scripts rely on them: a code keeps its meaning.
+#pragma once
+
+namespace velandoc {
+
+enum ExitCode : int {
+  kExitSuccess = 0,
+  kExitNo = 1,            // asked and answered: at least one answer is "no"
+  kExitUsage = 2,         // the command line is wrong; nothing was sent
+  kExitNoComponent = 3,   // the component cannot be created
+  kExitRegistration = 4,  // registering or unregistering failed
+  kExitOutput = 5,        // the standard output cannot be written
+  kExitFailure = 6,       // a call of the component failed
+};
+
+}  // namespace velandoc

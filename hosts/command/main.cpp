@@ -1,0 +1,41 @@
+// velandoc, the command: a host like any other, which makes the component's objects by their
+// ProgIDs.
+#include <exception>
+
+#include "hosts/com_apartment.h"
+#include "hosts/command/exit_codes.h"
+#include "hosts/command/options.h"
+#include "hosts/command/probe_command.h"
+#include "hosts/command/registration_command.h"
+#include "hosts/command/talk.h"
+#include "platform/environment.h"
+#include "platform/program_arguments.h"
+#include "platform/standard_streams.h"
+
+namespace velandoc {
+namespace {
+
+int Run(int argc, char** argv) {
+  const ParsedOptions parsed = ParseOptions(ProgramArguments(argc, argv));
+  if (!parsed.proceed) return parsed.exitCode;
+  // Read by the component where it would ask on the terminal.
+  if (parsed.options.noInput) SetEnvironment("VELANDOC_NO_INPUT", "1");
+  const ComApartment apartment;
+  return parsed.options.action == Action::kProbe ? RunProbe(parsed.options)
+                                                 : RunRegistration(parsed.options);
+}
+
+}  // namespace
+}  // namespace velandoc
+
+int main(int argc, char** argv) {
+  velandoc::PrepareStandardStreams();
+  try {
+    return velandoc::Run(argc, argv);
+  } catch (const _com_error& error) {
+    velandoc::Talk("failed (" + velandoc::ResultText(error.Error()) + ")");
+  } catch (const std::exception& error) {
+    velandoc::Talk(error.what());
+  }
+  return velandoc::kExitFailure;
+}

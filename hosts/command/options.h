@@ -1,0 +1,29 @@
+// What the user typed, understood.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace velandoc {
+
+enum class Action { kProbe, kRegister, kUnregister };
+
+struct Options {
+  Action action = Action::kProbe;
+  std::vector<std::string> urls;  // of probe, as typed
+  bool user = false;              // register and unregister: for this user alone
+  bool json = false;
+  bool noInput = false;
+};
+
+/// What to do; or, with `proceed` false, the exit code to leave with: kExitSuccess after --help and
+/// --version, whose text is then written to the output; kExitUsage after a mistake, which is then
+/// told on the error stream.
+struct ParsedOptions {
+  bool proceed = false;
+  int exitCode = 0;
+  Options options;
+};
+ParsedOptions ParseOptions(std::vector<std::string> arguments);
+
+}  // namespace velandoc

@@ -1,0 +1,21 @@
+// A program's standard streams: data goes to the output, talk to the error stream.
+#pragma once
+
+#include <string_view>
+
+namespace velandoc {
+
+/// Call first in main(): from then on a reader that has gone away shows as a write that fails, and
+/// does not end the process unasked.
+void PrepareStandardStreams();
+
+/// Writes UTF-8, a Windows console included. Buffered while the output is no terminal. False if the
+/// stream refused (a closed pipe, a full disk); what was written of `text` is then unknown.
+bool WriteOutput(std::string_view text);
+/// Hands over what WriteOutput keeps.
+bool FlushOutput();
+/// Flushes the output first, so that the two keep their order where they share a terminal or a
+/// file. Failure is not reported: there is nobody left to tell.
+void WriteTalk(std::string_view text);
+
+}  // namespace velandoc

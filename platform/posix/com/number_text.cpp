@@ -222,9 +222,11 @@ WideString FormatCurrency(std::int64_t tenThousandths) {
   const bool isNegative = tenThousandths < 0;
   const auto bits = static_cast<std::uint64_t>(tenThousandths);
   const std::uint64_t magnitude = isNegative ? 0 - bits : bits;
-  std::string text = (isNegative ? "-" : "") + std::to_string(magnitude / 10000);
+  std::string text(isNegative ? "-" : "");
+  text += std::to_string(magnitude / 10000);
   if (const std::uint64_t decimals = magnitude % 10000; decimals != 0) {
-    text += "." + std::to_string(10000 + decimals).substr(1);
+    text += '.';
+    text += std::to_string(10000 + decimals).substr(1);
     text.erase(text.find_last_not_of('0') + 1);
   }
   return Widen(text.data(), text.data() + text.size());

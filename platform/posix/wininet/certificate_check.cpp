@@ -156,18 +156,20 @@ CURLcode SetUpContext(CURL*, void* context, void* check) {
   return CURLE_OK;
 }
 
+const char* Variable(const char* name) {
+  const char* value = std::getenv(name);
+  return value != nullptr && *value != '\0' ? value : nullptr;
+}
+
 /// The environment variables that the curl command reads, in its order.
 void UseConfiguredAuthorities(CURL* easy) {
-  if (const char* bundle = std::getenv("CURL_CA_BUNDLE"); bundle != nullptr && *bundle != '\0') {
-    curl_easy_setopt(easy, CURLOPT_CAINFO, bundle);
-    return;
-  }
-  if (const char* folder = std::getenv("SSL_CERT_DIR"); folder != nullptr && *folder != '\0') {
-    curl_easy_setopt(easy, CURLOPT_CAPATH, folder);
-  }
-  if (const char* file = std::getenv("SSL_CERT_FILE"); file != nullptr && *file != '\0') {
-    curl_easy_setopt(easy, CURLOPT_CAINFO, file);
-  }
+  const char* bundle = Variable("CURL_CA_BUNDLE");
+  const char* folder = bundle == nullptr ? Variable("SSL_CERT_DIR") : nullptr;
+  if (bundle == nullptr) bundle = Variable("SSL_CERT_FILE");
+  if (bundle != nullptr) curl_easy_setopt(easy, CURLOPT_CAINFO, bundle);
+  // Without a folder libcurl keeps the parsed bundle for the pool's next handshakes; with one, a
+  // handshake parses everything anew. The built-in folder holds what the built-in bundle holds.
+  curl_easy_setopt(easy, CURLOPT_CAPATH, folder);
 }
 
 }  // namespace

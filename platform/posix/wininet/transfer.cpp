@@ -292,8 +292,10 @@ void Transfer::Finish(CURLcode result) {
   }
   long tunnelStatus = 0;
   curl_easy_getinfo(m_easy, CURLINFO_HTTP_CONNECTCODE, &tunnelStatus);
-  if (!m_headIsFinal && tunnelStatus == 407 && m_head.status == 407) {
-    // The proxy wants a login before it makes the tunnel: an answer, not a failure.
+  const bool loginFailed = result == CURLE_AUTH_ERROR && m_headBlockComplete;
+  if (!m_headIsFinal && (loginFailed || (tunnelStatus == 407 && m_head.status == 407))) {
+    // No ticket for this server, or a proxy that wants a login before it makes the tunnel: an
+    // answer, not a failure.
     m_headIsFinal = true;
     return;
   }

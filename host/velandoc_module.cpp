@@ -1,0 +1,50 @@
+#include "host/velandoc_module.h"
+
+#include <array>
+
+#include "document/server_check.h"
+#include "velandoc_idl.h"
+
+namespace velandoc {
+namespace {
+
+constexpr LPCOLESTR kAppId = OLESTR("{91509BD2-09D1-4F79-B147-D5EF6C90DB1C}");
+constexpr WORD kAppIdScript = 101;
+
+}  // namespace
+
+HRESULT CVelandocModule::AddCommonRGSReplacements(IRegistrarBase* registrar) {
+  return FAILED(registrar->AddReplacement(OLESTR("APPID"), kAppId)) ? E_OUTOFMEMORY : S_OK;
+}
+
+std::span<_ATL_OBJMAP_ENTRY> CVelandocModule::GetObjectMap() {
+  // Registration walks the classes in this order, which is fixed: Client (103), HdfsClient (109),
+  // HdfsClientWinHttp (110), ServerCheck (108), each from the day it exists.
+  static std::array map = {
+      AtlObjectEntry<CServerCheck>(108),
+  };
+  return map;
+}
+
+WORD CVelandocModule::GetAppIdScript() { return kAppIdScript; }
+
+TypeLibrary CVelandocModule::GetTypeLibrary() {
+  // As velandoc.idl has it; a unit test compares the two.
+  static constexpr TypeLibraryInterface kInterfaces[] = {
+      {&IID_IServerCheck, OLESTR("IServerCheck")},
+  };
+  return {.path = {},
+          .id = &LIBID_VelandocLib,
+          .major = 1,
+          .minor = 0,
+          .lcid = 0x409,
+          .helpString = OLESTR("Velandoc 1.0 Type Library"),
+          .interfaces = kInterfaces};
+}
+
+CVelandocModule& Module() {
+  static CVelandocModule module;
+  return module;
+}
+
+}  // namespace velandoc

@@ -7,7 +7,7 @@ namespace velandoc {
 
 /// COM objects come through CVelandocModule's object map alone, so no OLE start-up and no object
 /// factories here.
-class CVelandocApp final : public CWinApp {
+class CVelandocApp : public CWinApp {
  public:
   ~CVelandocApp() override = default;
   const AFX_MSGMAP* GetMessageMap() const override;

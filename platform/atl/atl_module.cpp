@@ -10,16 +10,6 @@ namespace {
 std::atomic<CAtlModule*> s_module{nullptr};
 std::atomic<bool> s_perUser{false};
 
-/// The path stands in quotes in the scripts, where a quote is written twice.
-velandoc::WideString EscapeQuotes(velandoc::WideView text) {
-  velandoc::WideString escaped;
-  for (const OLECHAR c : text) {
-    escaped += c;
-    if (c == '\'') escaped += c;
-  }
-  return escaped;
-}
-
 velandoc::ServerRuntime& Runtime() { return velandoc::CurrentPort<velandoc::ServerRuntime>(); }
 
 bool ForUser() { return AtlGetPerUserRegistration() && Runtime().OffersTypeLibForUser(); }
@@ -64,8 +54,8 @@ HRESULT CAtlModule::UpdateRegistryFromResource(WORD id, bool doRegister) {
     CRegObject registrar(AtlGetPerUserRegistration());
     HRESULT result = AddCommonRGSReplacements(&registrar);
     if (FAILED(result)) return result;
-    result =
-        registrar.AddReplacement(OLESTR("MODULE"), EscapeQuotes(velandoc::GetModulePath()).c_str());
+    result = registrar.AddReplacement(OLESTR("MODULE"),
+                                      AtlEscapeQuotes(velandoc::GetModulePath()).c_str());
     if (FAILED(result)) return result;
     return doRegister ? registrar.ResourceRegister(id) : registrar.ResourceUnregister(id);
   });

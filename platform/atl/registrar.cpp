@@ -182,3 +182,12 @@ HRESULT CRegObject::ApplyResource(WORD id, bool doRegister) try {
 } catch (const std::bad_alloc&) {
   return E_OUTOFMEMORY;
 }
+
+WideString AtlEscapeQuotes(WideView text) {
+  WideString escaped;
+  for (const OLECHAR c : text) {
+    escaped += c;
+    if (c == '\'') escaped += c;
+  }
+  return escaped;
+}

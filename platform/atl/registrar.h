@@ -45,3 +45,6 @@ class CRegObject final : public IRegistrarBase {
   bool m_perUser;
   std::map<velandoc::WideString, velandoc::WideString> m_replacements;
 };
+
+/// `text` as it stands in a script's quotes, where a quote is written twice.
+velandoc::WideString AtlEscapeQuotes(velandoc::WideView text);

@@ -198,6 +198,8 @@ class Parser {
     // An empty name would stand for the parent key itself, and deleting that is not what a script
     // can mean.
     if (IsSign(token) || token.text.empty() || token.text.size() > kMaxKeyName) return false;
+    // One level a name: "A\\" or "\\" would reach past the key that is meant.
+    if (token.text.find(OLECHAR('\\')) != WideString::npos) return false;
     key.name = std::move(token.text);
     if (PeekIs(OLESTR("="))) {
       ScriptData data;

@@ -148,6 +148,7 @@ TEST_F(RegistrarTest, BrokenScriptsChangeNothing) {
       {"rule without a name", OLESTR("HKCR { NoRemove }")},
       {"rule at the end", OLESTR("HKCR { ForceRemove")},
       {"empty name, which would be the parent", OLESTR("HKCR { ForceRemove '' }")},
+      {"several levels in a name", OLESTR("HKCR { A\\B }")},
       {"equals without a name", OLESTR("HKCR { = s 'x' }")},
       {"no data", OLESTR("HKCR { A = s }")},
       {"no type", OLESTR("HKCR { A = 'x' }")},

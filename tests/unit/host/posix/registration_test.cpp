@@ -1,0 +1,188 @@
+// Registration on Linux: the registry's files, whole, before and after; and activation out of them.
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "host/exports.h"
+#include "host/velandoc_module.h"
+#include "platform/module_path.h"
+#include "platform/owners.h"
+#include "velandoc_idl.h"
+
+namespace velandoc {
+namespace {
+
+std::string ReadFile(const std::filesystem::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  std::ostringstream text;
+  text << stream.rdbuf();
+  return text.str();
+}
+
+std::string ReplaceAll(std::string text, const std::string& what, const std::string& with) {
+  for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {
+    text.replace(at, what.size(), with);
+  }
+  return text;
+}
+
+class PosixRegistrationTest : public testing::Test {
+ protected:
+  PosixRegistrationTest() {
+    char pattern[] = "/tmp/velandoc-registry-XXXXXX";
+    m_folder = mkdtemp(pattern);
+    setenv("VELANDOC_REGISTRY_DIR", m_folder.c_str(), 1);
+  }
+  ~PosixRegistrationTest() override {
+    unsetenv("VELANDOC_REGISTRY_DIR");
+    std::filesystem::remove_all(m_folder);
+    AtlSetPerUserRegistration(false);
+  }
+
+  /// The file's text with this program's path as "MODULE" and its folder as "FOLDER/".
+  std::string File(const char* name) const {
+    std::string path;
+    for (const OLECHAR c : GetModulePath()) path += static_cast<char>(c);
+    const std::string folder = path.substr(0, path.find_last_of('/') + 1);
+    return ReplaceAll(ReplaceAll(ReadFile(m_folder / name), path, "MODULE"), folder, "FOLDER/");
+  }
+
+  std::filesystem::path m_folder;
+};
+
+/// A registry file's beginning: the keys down to the classes of `root`.
+std::string Head(const std::string& root) {
+  return "Windows Registry Editor Version 5.00\n\n[" + root + "]\n\n[" + root + "\\Software]\n\n[" +
+         root + "\\Software\\Classes]\n\n";
+}
+
+/// The registry file of a registration in the classes of `root`.
+std::string Expected(const std::string& root) {
+  const std::string text = R"([ROOT\AppID]
+
+[ROOT\AppID\Velandoc.DLL]
+"AppID"="{91509BD2-09D1-4F79-B147-D5EF6C90DB1C}"
+
+[ROOT\AppID\{91509BD2-09D1-4F79-B147-D5EF6C90DB1C}]
+@="Velandoc"
+
+[ROOT\CLSID]
+
+[ROOT\CLSID\{1D477FCE-048A-4657-BFDF-6DD165043E36}]
+@="ServerCheck Class"
+
+[ROOT\CLSID\{1D477FCE-048A-4657-BFDF-6DD165043E36}\InprocServer32]
+@="MODULE"
+"ThreadingModel"="Apartment"
+
+[ROOT\CLSID\{1D477FCE-048A-4657-BFDF-6DD165043E36}\ProgID]
+@="Velandoc.ServerCheck.1"
+
+[ROOT\CLSID\{1D477FCE-048A-4657-BFDF-6DD165043E36}\Programmable]
+
+[ROOT\CLSID\{1D477FCE-048A-4657-BFDF-6DD165043E36}\TypeLib]
+@="{6EF447E8-DEC4-47C3-B65D-7B776C644F1D}"
+
+[ROOT\CLSID\{1D477FCE-048A-4657-BFDF-6DD165043E36}\VersionIndependentProgID]
+@="Velandoc.ServerCheck"
+
+[ROOT\Interface]
+
+[ROOT\Interface\{9989FD0D-43C5-4FA7-B6D7-020A323FEF2D}]
+@="IServerCheck"
+
+[ROOT\Interface\{9989FD0D-43C5-4FA7-B6D7-020A323FEF2D}\ProxyStubClsid]
+@="{00020424-0000-0000-C000-000000000046}"
+
+[ROOT\Interface\{9989FD0D-43C5-4FA7-B6D7-020A323FEF2D}\ProxyStubClsid32]
+@="{00020424-0000-0000-C000-000000000046}"
+
+[ROOT\Interface\{9989FD0D-43C5-4FA7-B6D7-020A323FEF2D}\TypeLib]
+@="{6EF447E8-DEC4-47C3-B65D-7B776C644F1D}"
+"Version"="1.0"
+
+[ROOT\TypeLib]
+
+[ROOT\TypeLib\{6EF447E8-DEC4-47C3-B65D-7B776C644F1D}]
+
+[ROOT\TypeLib\{6EF447E8-DEC4-47C3-B65D-7B776C644F1D}\1.0]
+@="Velandoc 1.0 Type Library"
+
+[ROOT\TypeLib\{6EF447E8-DEC4-47C3-B65D-7B776C644F1D}\1.0\409]
+
+[ROOT\TypeLib\{6EF447E8-DEC4-47C3-B65D-7B776C644F1D}\1.0\409\win64]
+@="MODULE"
+
+[ROOT\TypeLib\{6EF447E8-DEC4-47C3-B65D-7B776C644F1D}\1.0\FLAGS]
+@="0"
+
+[ROOT\TypeLib\{6EF447E8-DEC4-47C3-B65D-7B776C644F1D}\1.0\HELPDIR]
+@="FOLDER/"
+
+[ROOT\Velandoc.ServerCheck]
+@="ServerCheck Class"
+
+[ROOT\Velandoc.ServerCheck\CLSID]
+@="{1D477FCE-048A-4657-BFDF-6DD165043E36}"
+
+[ROOT\Velandoc.ServerCheck\CurVer]
+@="Velandoc.ServerCheck.1"
+
+[ROOT\Velandoc.ServerCheck.1]
+@="ServerCheck Class"
+
+[ROOT\Velandoc.ServerCheck.1\CLSID]
+@="{1D477FCE-048A-4657-BFDF-6DD165043E36}"
+)";
+  return Head(root) + ReplaceAll(text, "ROOT", root + "\\Software\\Classes");
+}
+
+TEST_F(PosixRegistrationTest, TheMachinesFileHoldsTheKeysAndLosesThemAgain) {
+  ASSERT_EQ(DllRegisterServer(), S_OK);
+  EXPECT_EQ(File("machine.reg"), Expected("HKEY_LOCAL_MACHINE"));
+  EXPECT_FALSE(std::filesystem::exists(m_folder / "user.reg"));
+  const std::string once = File("machine.reg");
+  ASSERT_EQ(DllRegisterServer(), S_OK);
+  EXPECT_EQ(File("machine.reg"), once) << "registering twice is registering once";
+
+  ASSERT_EQ(DllUnregisterServer(), S_OK);
+  // The keys that registries have anyway stay.
+  EXPECT_EQ(File("machine.reg"), Head("HKEY_LOCAL_MACHINE") +
+                                     "[HKEY_LOCAL_MACHINE\\Software\\Classes\\AppID]\n\n"
+                                     "[HKEY_LOCAL_MACHINE\\Software\\Classes\\CLSID]\n\n"
+                                     "[HKEY_LOCAL_MACHINE\\Software\\Classes\\Interface]\n\n"
+                                     "[HKEY_LOCAL_MACHINE\\Software\\Classes\\TypeLib]\n");
+}
+
+TEST_F(PosixRegistrationTest, TheUsersFileHoldsThemPerUser) {
+  ASSERT_EQ(DllInstall(TRUE, u"user"), S_OK);
+  EXPECT_EQ(File("user.reg"), Expected("HKEY_CURRENT_USER"));
+  EXPECT_FALSE(std::filesystem::exists(m_folder / "machine.reg"));
+  ASSERT_EQ(DllInstall(FALSE, u"user"), S_OK);
+  EXPECT_EQ(File("user.reg").find("Velandoc"), std::string::npos);
+}
+
+TEST_F(PosixRegistrationTest, ALibraryThatIsNotRegisteredCannotBeUnregistered) {
+  EXPECT_EQ(DllUnregisterServer(), MakeResult(0x8002801C));  // TYPE_E_REGISTRYACCESS
+}
+
+TEST_F(PosixRegistrationTest, ABrokenFileIsReportedAndKept) {
+  std::ofstream(m_folder / "machine.reg") << "not a registry file\n";
+  EXPECT_TRUE(FAILED(DllRegisterServer()));
+  EXPECT_EQ(File("machine.reg"), "not a registry file\n");
+}
+
+TEST_F(PosixRegistrationTest, ProgIdsWorkFromTheFiles) {
+  ASSERT_EQ(DllRegisterServer(), S_OK);
+  for (const LPCOLESTR progId : {u"Velandoc.ServerCheck", u"Velandoc.ServerCheck.1"}) {
+    CLSID clsid{};
+    EXPECT_EQ(CLSIDFromProgID(progId, &clsid), S_OK);
+    EXPECT_EQ(clsid, CLSID_ServerCheck);
+  }
+}
+
+}  // namespace
+}  // namespace velandoc

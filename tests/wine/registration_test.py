@@ -1,0 +1,263 @@
+#!/usr/bin/env python3
+"""Registers velandoc.dll under Wine in every way and compares the whole registry before and after.
+
+    registration_test.py --dll build/windows/bin/velandoc.dll [--wine /usr/lib/wine/wine64]
+
+Makes a Wine prefix of its own in a temporary folder and removes it. Exit code 0 if every check holds; one line a check.
+"""
+
+import argparse
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+
+APP_ID = "{91509BD2-09D1-4F79-B147-D5EF6C90DB1C}"
+CLASS_ID = "{1D477FCE-048A-4657-BFDF-6DD165043E36}"
+INTERFACE_ID = "{9989FD0D-43C5-4FA7-B6D7-020A323FEF2D}"
+LIBRARY_ID = "{6EF447E8-DEC4-47C3-B65D-7B776C644F1D}"
+AUTOMATION = "{00020424-0000-0000-C000-000000000046}"
+
+# What Wine's own services write whenever they start: hardware, services, network cards, the session.
+IGNORED_ROOTS = (
+    "hkey_local_machine\\system\\",
+    "hkey_local_machine\\hardware\\",
+    "hkey_local_machine\\software\\microsoft\\windows nt\\currentversion\\networkcards",
+    "hkey_local_machine\\software\\wow6432node\\microsoft\\windows nt\\currentversion\\networkcards",
+    "hkey_current_user\\volatile environment",
+)
+
+SCRIPT = r"""
+try {
+  var check = new ActiveXObject("Velandoc.ServerCheck");
+  WScript.Echo("made");
+  WScript.Echo("answer " + check.Check("a name without a scheme"));
+} catch (e) {
+  WScript.Echo("error " + (e.number >>> 0).toString(16) + " " + e.message);
+}
+WScript.Echo("end");
+WScript.Quit(0);
+"""
+
+
+class Prefix:
+    """A Wine prefix of this test's own."""
+
+    def __init__(self, wine: str, folder: pathlib.Path):
+        self.wine = wine
+        self.folder = folder
+        self.environment = {key: value for key, value in os.environ.items() if key != "DISPLAY"}
+        self.environment.update(
+            WINEPREFIX=str(folder / "prefix"),
+            WINEARCH="win64",
+            WINEDEBUG="-all",
+            WINEDLLOVERRIDES="mscoree,mshtml=;winedbg.exe=d",
+        )
+        self.run("wineboot", "-i", timeout=120)
+        self.run("reg", "add", r"HKCU\Software\Wine\Drivers", "/v", "Graphics", "/d", "null", "/f")
+
+    def run(self, *arguments: str, timeout: int = 60) -> tuple[int, str]:
+        """Exit code and output. The output goes through a file: services inherit a pipe and hold it."""
+        with tempfile.TemporaryFile() as output:
+            done = subprocess.run(
+                [self.wine, *arguments],
+                stdin=subprocess.DEVNULL,
+                stdout=output,
+                stderr=subprocess.STDOUT,
+                env=self.environment,
+                timeout=timeout,
+                check=False,
+            )
+            output.seek(0)
+            return done.returncode, output.read().decode("utf-8", "replace").replace("\r", "")
+
+    def registry(self) -> dict[str, dict[str, str]]:
+        """Every key with its values; keys in lower case, since the registry does not tell cases apart."""
+        keys: dict[str, dict[str, str]] = {}
+        for root in ("HKEY_LOCAL_MACHINE", "HKEY_CURRENT_USER"):
+            code, said = self.run("reg", "export", root, r"C:\export.reg", "/y")
+            if code != 0:
+                raise RuntimeError(f"reg export {root}: {said}")
+            text = (self.folder / "prefix/drive_c/export.reg").read_text("utf-16")
+            key = None
+            for line in text.replace("\\\n", "").splitlines():
+                if line.startswith("["):
+                    key = line[1:-1].lower()
+                    if not key.startswith(IGNORED_ROOTS):
+                        keys[key] = {}
+                    else:
+                        key = None
+                elif key and "=" in line:
+                    name, _, data = line.partition("=")
+                    keys[key][name.strip('"').lower()] = data
+        return keys
+
+    def stop(self) -> None:
+        server = shutil.which("wineserver", path="/usr/lib/wine") or "/usr/lib/wine/wineserver64"
+        subprocess.run([server, "-k"], env=self.environment, check=False, timeout=60,
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+
+def quoted(text: str) -> str:
+    return '"' + text.replace("\\", "\\\\") + '"'
+
+
+def script_keys(root: str, path: str) -> dict[str, dict[str, str]]:
+    """What the registry scripts write below `root`."""
+    clsid = rf"{root}\clsid\{CLASS_ID}"
+    keys = {
+        rf"{root}\appid\{APP_ID}": {"@": "Velandoc"},
+        rf"{root}\appid\Velandoc.DLL": {"appid": APP_ID},
+        clsid: {"@": "ServerCheck Class"},
+        rf"{clsid}\ProgID": {"@": "Velandoc.ServerCheck.1"},
+        rf"{clsid}\VersionIndependentProgID": {"@": "Velandoc.ServerCheck"},
+        rf"{clsid}\Programmable": {},
+        rf"{clsid}\InprocServer32": {"@": path, "threadingmodel": "Apartment"},
+        rf"{clsid}\TypeLib": {"@": LIBRARY_ID},
+        rf"{root}\Velandoc.ServerCheck": {"@": "ServerCheck Class"},
+        rf"{root}\Velandoc.ServerCheck\CLSID": {"@": CLASS_ID},
+        rf"{root}\Velandoc.ServerCheck\CurVer": {"@": "Velandoc.ServerCheck.1"},
+        rf"{root}\Velandoc.ServerCheck.1": {"@": "ServerCheck Class"},
+        rf"{root}\Velandoc.ServerCheck.1\CLSID": {"@": CLASS_ID},
+    }
+    return {key.lower(): {name: quoted(data) for name, data in values.items()}
+            for key, values in keys.items()}
+
+
+def system_keys(root: str, path: str) -> dict[str, dict[str, str]]:
+    """What RegisterTypeLib and NdrDllRegisterProxy write: always the machine's under Wine."""
+    interface = rf"{root}\interface\{INTERFACE_ID}"
+    library = rf"{root}\typelib\{LIBRARY_ID}"
+    folder = path.rpartition("\\")[0] + "\\"
+    keys = {
+        interface: {"@": "IServerCheck"},
+        rf"{interface}\NumMethods": {"@": "8"},
+        rf"{interface}\ProxyStubClsid": {"@": AUTOMATION},
+        rf"{interface}\ProxyStubClsid32": {"@": INTERFACE_ID},
+        rf"{interface}\TypeLib": {"@": LIBRARY_ID, "version": "1.0"},
+        rf"{root}\clsid\{INTERFACE_ID}": {"@": "PSFactoryBuffer"},
+        rf"{root}\clsid\{INTERFACE_ID}\InProcServer32": {"@": path, "threadingmodel": "Both"},
+        library: {},
+        rf"{library}\1.0": {"@": "Velandoc 1.0 Type Library"},
+        rf"{library}\1.0\409": {},
+        rf"{library}\1.0\409\win64": {"@": path},
+        rf"{library}\1.0\FLAGS": {"@": "8"},
+        rf"{library}\1.0\HELPDIR": {"@": folder},
+    }
+    return {key.lower(): {name: quoted(data) for name, data in values.items()}
+            for key, values in keys.items()}
+
+
+class Checks:
+    def __init__(self) -> None:
+        self.failed = 0
+
+    def equal(self, what: str, found, expected) -> None:
+        if found == expected:
+            print(f"ok      {what}")
+            return
+        self.failed += 1
+        print(f"FAILED  {what}")
+        if isinstance(found, dict) and isinstance(expected, dict):
+            for key in sorted(found.keys() | expected.keys()):
+                if found.get(key) != expected.get(key):
+                    print(f"        {key}\n          found    {found.get(key)}"
+                          f"\n          expected {expected.get(key)}")
+        else:
+            print(f"        found    {found!r}\n        expected {expected!r}")
+
+
+def difference(before: dict, after: dict) -> dict:
+    """Keys that are new or have other values. The 32-bit view's copies of shared keys are Wine's own affair."""
+    return {key: values for key, values in after.items()
+            if before.get(key) != values and r"\wow6432node" not in key}
+
+
+def leftovers(before: dict, after: dict) -> dict:
+    return {key: after.get(key) for key in before.keys() | after.keys()
+            if before.get(key) != after.get(key)}
+
+
+def run(prefix: Prefix, dll: pathlib.Path, checks: Checks) -> None:
+    machine = r"hkey_local_machine\software\classes"
+    user = r"hkey_current_user\software\classes"
+    path = "Z:" + str(dll).replace("/", "\\")
+
+    script = prefix.folder / "check.js"
+    script.write_text(SCRIPT.replace("\n", "\r\n"))
+    cscript = ("cscript", "/nologo", "Z:" + str(script).replace("/", "\\"))
+
+    # Once round first: Wine's parts write their own keys on their first use.
+    prefix.run("regsvr32", "/s", path)
+    prefix.run(*cscript)
+    prefix.run("regsvr32", "/s", "/u", path)
+    before = prefix.registry()
+
+    checks.equal("regsvr32 succeeds", prefix.run("regsvr32", "/s", path)[0], 0)
+    after = prefix.registry()
+    checks.equal("regsvr32 writes exactly the keys of the machine", difference(before, after),
+                 script_keys(machine, path) | system_keys(machine, path))
+
+    said = prefix.run(*cscript)[1]
+    checks.equal("a script makes the object by its ProgID",
+                 said.split("\n")[:3], ["made", "answer false", "end"])
+
+    checks.equal("regsvr32 /u succeeds", prefix.run("regsvr32", "/s", "/u", path)[0], 0)
+    checks.equal("regsvr32 /u leaves the registry as it was",
+                 leftovers(before, prefix.registry()), {})
+
+    checks.equal("a second regsvr32 /u fails: the type library is not registered",
+                 prefix.run("regsvr32", "/s", "/u", path)[0] != 0, True)
+    prefix.run("regsvr32", "/s", path)
+    prefix.run("regsvr32", "/s", "/u", path)
+
+    for word in ("user", "USER"):
+        before = prefix.registry()
+        checks.equal(f"regsvr32 /n /i:{word} succeeds",
+                     prefix.run("regsvr32", "/s", "/n", f"/i:{word}", path)[0], 0)
+        written = difference(before, prefix.registry())
+        # The empty keys above the classes come into being on the way.
+        written = {key: values for key, values in written.items()
+                   if key not in (user, user + r"\appid", user + r"\clsid")}
+        checks.equal(f"/i:{word} writes the classes for the user alone", written,
+                     script_keys(user, path) | system_keys(machine, path))
+        checks.equal(f"regsvr32 /u /n /i:{word} succeeds",
+                     prefix.run("regsvr32", "/s", "/u", "/n", f"/i:{word}", path)[0], 0)
+        left = {key: values for key, values in leftovers(before, prefix.registry()).items()
+                if key not in (user, user + r"\appid", user + r"\clsid")}
+        checks.equal(f"/u /n /i:{word} takes them out", left, {})
+
+    before = prefix.registry()
+    prefix.run("regsvr32", "/s", "/n", "/i:username", path)
+    checks.equal("/i:username registers for the machine", difference(before, prefix.registry()),
+                 script_keys(machine, path) | system_keys(machine, path))
+    prefix.run("regsvr32", "/s", "/u", path)
+
+
+def main() -> int:
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--dll", required=True, type=pathlib.Path)
+    parser.add_argument("--wine", default="/usr/lib/wine/wine64")
+    options = parser.parse_args()
+    dll = options.dll.resolve()
+    if not dll.is_file():
+        print(f"{dll}: no such file", file=sys.stderr)
+        return 2
+    checks = Checks()
+    folder = pathlib.Path(tempfile.mkdtemp(prefix="velandoc-wine-"))
+    prefix = None
+    try:
+        prefix = Prefix(options.wine, folder)
+        run(prefix, dll, checks)
+    finally:
+        if prefix is not None:
+            prefix.stop()
+        shutil.rmtree(folder, ignore_errors=True)
+    print("all checks hold" if checks.failed == 0 else f"{checks.failed} checks failed")
+    return 0 if checks.failed == 0 else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())

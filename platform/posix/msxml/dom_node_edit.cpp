@@ -30,6 +30,9 @@ bool MayContain(const xmlNode* parent, const xmlNode* child, const xmlNode* repl
     const xmlNode* root = xmlDocGetRootElement(parent->doc);
     if (root != nullptr && root != child && root != replaced) return false;
   }
+  if (parent == child) return false;
+  // A node without children is above nobody; asking so keeps building from the outside in linear.
+  if (child->type != XML_ELEMENT_NODE || child->children == nullptr) return true;
   for (const xmlNode* above = parent; above != nullptr; above = above->parent) {
     if (above == child) return false;
   }

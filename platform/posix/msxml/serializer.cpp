@@ -81,6 +81,7 @@ class Serializer {
   explicit Serializer(std::string& out) : m_out(out) {}
 
   void Write(xmlNode* root) {
+    m_endsLines = root->type == XML_DOCUMENT_NODE;
     xmlNode* node = root;
     while (true) {
       const bool isOpen = Begin(node);
@@ -142,7 +143,8 @@ class Serializer {
   }
 
   void EndTopLevel(const xmlNode* node) {
-    if (node->parent != nullptr && node->parent->type == XML_DOCUMENT_NODE) m_out += "\r\n";
+    const bool isTopLevel = node->parent != nullptr && node->parent->type == XML_DOCUMENT_NODE;
+    if (m_endsLines && isTopLevel) m_out += "\r\n";
   }
 
   void LeaveScope(const xmlNode* element) {
@@ -250,6 +252,7 @@ class Serializer {
   }
 
   std::string& m_out;
+  bool m_endsLines = false;
   std::vector<Binding> m_scope;
   std::list<std::string> m_made;
   unsigned m_madePrefixes = 0;

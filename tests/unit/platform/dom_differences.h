@@ -12,10 +12,16 @@ inline constexpr bool kIsWine = false;
 
 /// Nesting is not limited.
 inline constexpr bool kHasNoDepthLimit = kIsWine;
+/// Unpaired surrogates are taken.
+inline constexpr bool kTakesUnpairedSurrogates = kIsWine;
 /// The serializer leaves out xmlns="", so that an element without a namespace is read into its
 /// parent's.
 inline constexpr bool kLosesEmptyNamespace = kIsWine;
-/// Unpaired surrogates are taken.
-inline constexpr bool kTakesUnpairedSurrogates = kIsWine;
+/// An XPath comparison passes over a carriage return at the end of a text.
+inline constexpr bool kMatchesAcrossCarriageReturn = kIsWine;
+/// appendChild takes a node of another document away from it.
+inline constexpr bool kMovesNodesBetweenDocuments = kIsWine;
+/// Each request for a node makes another object.
+inline constexpr bool kMakesObjectsAnew = kIsWine;
 
 }  // namespace velandoc

@@ -1,0 +1,150 @@
+// Texts that an unfriendly server could send: the told result, in time and memory that grow with
+// their size.
+
+#include <sys/resource.h>
+
+#include <chrono>
+
+#include "tests/unit/platform/dom_fixture.h"
+
+namespace velandoc {
+namespace {
+
+/// Generous: a sanitizer's build on a busy machine stays below it, work that grows with the square
+/// of the size does not.
+constexpr std::chrono::seconds kTimeLimit(60);
+
+class DomHostileTest : public DomTest {
+ protected:
+  void TearDown() override { EXPECT_LT(std::chrono::steady_clock::now() - m_begin, kTimeLimit); }
+
+ private:
+  std::chrono::steady_clock::time_point m_begin = std::chrono::steady_clock::now();
+};
+
+std::string Repeat(std::string_view text, std::size_t count) {
+  std::string repeated;
+  repeated.reserve(text.size() * count);
+  for (std::size_t i = 0; i < count; ++i) repeated += text;
+  return repeated;
+}
+
+std::string WithAttributes(std::size_t count) {
+  std::string xml = "<a";
+  for (std::size_t i = 0; i < count; ++i) xml += " a" + std::to_string(i) + "='1'";
+  return xml + "/>";
+}
+
+TEST_F(DomHostileTest, DeepNestingEndsAtTheLimit) {
+  EXPECT_FALSE(Load(Repeat("<a>", 1'000'000)));
+  EXPECT_FALSE(Load(Repeat("<a>", 100'000) + Repeat("</a>", 100'000)));
+}
+
+TEST_F(DomHostileTest, TreeBuiltDeepIsReadAndFreed) {
+  constexpr int kDepth = 20'000;
+  ASSERT_TRUE(Load("<r/>"));
+  NodePtr inner = Element();
+  for (int i = 0; i < kDepth; ++i) {
+    const NodePtr child = Create(NODE_ELEMENT, u"a", u"");
+    Append(inner, child);
+    inner = child;
+  }
+  PutText(inner, u"deep");
+  EXPECT_EQ(Text(Element()), "deep");
+  EXPECT_EQ(Xml(Element()),
+            "<r>" + Repeat("<a>", kDepth) + "deep" + Repeat("</a>", kDepth) + "</r>");
+  NodePtr copy;
+  ASSERT_EQ(Element()->cloneNode(VARIANT_TRUE, copy.Receive()), S_OK);
+  EXPECT_EQ(Text(copy), "deep");
+}
+
+TEST_F(DomHostileTest, ManySiblingsAreReadInTurn) {
+  constexpr LONG kCount = 200'000;
+  ASSERT_TRUE(Load("<a>" + Repeat("<b/>", kCount) + "</a>"));
+  ComPtr<IXMLDOMNodeList> list;
+  ASSERT_EQ(Element()->get_childNodes(list.Receive()), S_OK);
+  ASSERT_EQ(Count(list), kCount);
+  for (LONG i = 0; i < kCount; ++i) {
+    NodePtr node;
+    ASSERT_EQ(list->get_item(i, node.Receive()), S_OK);
+  }
+  EXPECT_EQ(Count(FindAll(Root(), u"//b")), kCount);
+  EXPECT_EQ(Count(FindAll(Root(), u"//b/..")), 1);
+}
+
+TEST_F(DomHostileTest, AttributesOfOneTagAreLimited) {
+  ASSERT_TRUE(Load(WithAttributes(4096)));
+  LONG length = 0;
+  ASSERT_EQ(Attributes(Element())->get_length(&length), S_OK);
+  EXPECT_EQ(length, 4096);
+  EXPECT_EQ(Text(Attribute(Element(), u"a4095")), "1");
+  EXPECT_FALSE(Load(WithAttributes(4097)));
+  EXPECT_FALSE(Load(WithAttributes(1'000'000)));
+}
+
+TEST_F(DomHostileTest, LongTextIsNoLongTag) {
+  // Nothing that looks like attributes in other places counts.
+  const std::string values = Repeat(" a='1'", 10'000);
+  EXPECT_TRUE(Load("<a>" + values + "</a>"));
+  EXPECT_TRUE(Load("<a><!--<b" + values + "--></a>"));
+  EXPECT_TRUE(Load("<a><![CDATA[<b" + values + "]]></a>"));
+  EXPECT_TRUE(Load("<a><?p <b" + values + "?></a>"));
+  EXPECT_TRUE(Load("<a b=\"" + values + "\"/>"));
+}
+
+TEST_F(DomHostileTest, DeclarationsInForceAreLimited) {
+  const auto nested = [](int depth, int each) {
+    std::string xml;
+    for (int i = 0; i < depth; ++i) {
+      xml += "<a";
+      for (int k = 0; k < each; ++k) xml += " xmlns:p" + std::to_string(i * each + k) + "='u'";
+      xml += ">";
+    }
+    return xml + Repeat("</a>", static_cast<std::size_t>(depth));
+  };
+  EXPECT_TRUE(Load(nested(128, 8)));
+  EXPECT_FALSE(Load(nested(128, 9)));
+}
+
+TEST_F(DomHostileTest, ManyTextsBetweenSections) {
+  ASSERT_TRUE(Load("<a>" + Repeat("x<![CDATA[y]]>", 100'000) + "</a>"));
+  Bstr text;
+  ASSERT_EQ(Element()->get_text(text.Receive()), S_OK);
+  EXPECT_EQ(text.View().size(), 200'000U);
+}
+
+TEST_F(DomHostileTest, ManyReferencesInOneText) {
+  ASSERT_TRUE(Load("<a>" + Repeat("&#65;&amp;", 200'000) + "</a>"));
+  Bstr text;
+  ASSERT_EQ(Element()->get_text(text.Receive()), S_OK);
+  EXPECT_EQ(text.View().size(), 400'000U);
+}
+
+TEST_F(DomHostileTest, AnswerOf100MegabytesIsReadWhole) {
+  constexpr std::size_t kSize = 100'000'000;
+  {
+    WideString xml = u"<a>";
+    xml.append(kSize, u'x');
+    xml += u"</a>";
+    ASSERT_TRUE(Load(WideView(xml)));
+  }
+  Bstr text;
+  ASSERT_EQ(Element()->get_text(text.Receive()), S_OK);
+  EXPECT_EQ(text.View().size(), kSize);
+  EXPECT_EQ(text.View().find_first_not_of(u'x'), WideView::npos);
+  rusage usage = {};
+  ASSERT_EQ(getrusage(RUSAGE_SELF, &usage), 0);
+  RecordProperty("peak_megabytes", static_cast<int>(usage.ru_maxrss / 1024));
+}
+
+TEST_F(DomHostileTest, AnyPrefixOfAnAnswerIsRefusedOrRead) {
+  const std::string xml =
+      "<?xml version='1.0'?><a xmlns:p='u'><p:b c='&lt;&#65;'>t<![CDATA[s]]><!--c--><?p "
+      "q?></p:b></a>";
+  for (std::size_t size = 0; size < xml.size(); ++size)
+    EXPECT_FALSE(Load(xml.substr(0, size))) << size;
+  EXPECT_TRUE(Load(xml));
+}
+
+}  // namespace
+}  // namespace velandoc

@@ -2,19 +2,14 @@
 
 #include <string>
 
+#include "platform/module_path.h"
+
 namespace velandoc {
 namespace {
 
-/// The file of the library that this code is part of, or of the program that it was linked into.
-WideString OwnPath() {
-  HMODULE module = nullptr;
-  GetModuleHandleExW(
-      GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-      reinterpret_cast<LPCWSTR>(&LoadTypeInfo), &module);
-  WideString path(32768, L'\0');
-  path.resize(GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())));
-  return path;
-}
+// No module carries more than one or two; the search has to end where the one that is asked for is
+// missing.
+constexpr int kMaxLibraries = 4;
 
 bool IsLibrary(ITypeLib& library, REFGUID libid, WORD major, WORD minor) {
   TLIBATTR* attributes = nullptr;
@@ -28,17 +23,17 @@ bool IsLibrary(ITypeLib& library, REFGUID libid, WORD major, WORD minor) {
 }  // namespace
 
 HRESULT LoadTypeInfo(REFGUID libid, WORD major, WORD minor, REFIID iid, ComPtr<ITypeInfo>& info) {
-  // "file\2" names the second library of a file; the search ends where there is none.
-  const WideString path = OwnPath();
-  for (int index = 1;; ++index) {
+  // "file\2" names the library with resource number 2.
+  const WideString path = GetModulePath() + L"\\";
+  for (int number = 1; number <= kMaxLibraries; ++number) {
     ComPtr<ITypeLib> library;
-    const WideString name = path + L"\\" + std::to_wstring(index);
-    const HRESULT result = LoadTypeLibEx(name.c_str(), REGKIND_NONE, library.Receive());
-    if (FAILED(result)) return index == 1 ? result : TYPE_E_LIBNOTREGISTERED;
-    if (IsLibrary(*library, libid, major, minor)) {
+    const WideString name = path + std::to_wstring(number);
+    if (SUCCEEDED(LoadTypeLibEx(name.c_str(), REGKIND_NONE, library.Receive())) &&
+        IsLibrary(*library, libid, major, minor)) {
       return library->GetTypeInfoOfGuid(iid, info.Receive());
     }
   }
+  return TYPE_E_LIBNOTREGISTERED;
 }
 
 }  // namespace velandoc

@@ -5,8 +5,8 @@
 
 namespace velandoc {
 
-/// The library `libid` is looked for among the module's TYPELIB resources. Failures are the
-/// system's; TYPE_E_LIBNOTREGISTERED if the module does not carry it.
+/// The library `libid` is looked for among the module's TYPELIB resources 1 to 4;
+/// TYPE_E_LIBNOTREGISTERED if it is none of them.
 HRESULT LoadTypeInfo(REFGUID libid, WORD major, WORD minor, REFIID iid, ComPtr<ITypeInfo>& info);
 
 }  // namespace velandoc

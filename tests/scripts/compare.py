@@ -1,0 +1,117 @@
+#!/usr/bin/python3
+"""Every script case in both homes against one stand-in server: equal output, equal exit code, equal requests.
+
+compare.py [unittest's own arguments]
+
+Needs build/native, build/windows and a Wine prefix that trusts the test authority; the lane 'scripts' of ./test sees to
+them. A difference between the homes is either a mistake or declared with its reason in differences.json; a declared one
+that does not show any more fails, too.
+"""
+
+import json
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+import xml.etree.ElementTree
+
+import run_case
+
+FOLDER = pathlib.Path(__file__).resolve().parent
+DIFFERENCES = json.loads((FOLDER / "differences.json").read_text(encoding="utf-8"))
+CERTIFICATES = run_case.TOP / "build/certificates"
+
+
+def with_declared(case, home, lines):
+    """The output with each declared line replaced by the reason, and the reasons that applied."""
+    declared = [entry for entry in DIFFERENCES["output"] if entry["case"] == case]
+    used = {entry["reason"] for entry in declared if entry[home] in lines}
+    replaced = {entry[home]: f"<{entry['reason']}>" for entry in declared}
+    return [replaced.get(line, line) for line in lines], used, {entry["reason"] for entry in declared}
+
+
+def comparable_body(body):
+    try:
+        return xml.etree.ElementTree.canonicalize(body, strip_text=True)
+    except xml.etree.ElementTree.ParseError:
+        return body
+
+
+def comparable(record):
+    """A request as it is compared; differences.json gives the reasons, under the names that stand here."""
+    head = record["head"]
+    body = record.get("body", record.get("body_sha256", ""))
+    if comparable_body(body) != body:  # differences.json, xml_bodies
+        head = re.sub(r"(?im)^(Content-Length:) \d+", r"\1 <of XML>", head)
+    fields = head.split("\r\n")
+    if record["method"] == "CONNECT":  # differences.json, connect_head
+        fields = fields[:1]
+    elif record["connect_host"]:  # differences.json, length_behind_connect
+        fields.sort(key=lambda field: field.lower().startswith("content-length:"))
+    return {"method": record["method"], "target": record["target"], "host": record["host"],
+            "tls": record["tls"], "head": fields, "body": comparable_body(body)}
+
+
+class ScriptCases(unittest.TestCase):
+    maxDiff = None
+
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory(prefix="velandoc-scripts-")
+        ready = pathlib.Path(cls.folder.name) / "ready.json"
+        cls.process = subprocess.Popen(
+            [run_case.TOP / "build/native/bin/velandoc-standin", "--certs", CERTIFICATES, "--log",
+             pathlib.Path(cls.folder.name) / "requests.jsonl", "--ready", ready, "--max-seconds", "1200"],
+            stdin=subprocess.DEVNULL)
+        cls.addClassCleanup(cls.stop)
+        deadline = time.monotonic() + 20
+        while not ready.exists():
+            if cls.process.poll() is not None or time.monotonic() > deadline:
+                raise RuntimeError("the stand-in server does not start")
+            time.sleep(0.02)
+        cls.server = run_case.StandIn(ready)
+        cls.homes = {name: make(cls.server.ports) for name, make in run_case.HOMES.items()}
+
+    @classmethod
+    def stop(cls):
+        cls.process.terminate()
+        cls.process.wait(timeout=20)
+        cls.folder.cleanup()
+
+    def run_in(self, home, case):
+        self.server.prepare(case.rules)
+        result = self.homes[home].run(case)
+        requests = [comparable(record) for record in self.server.log()]
+        self.assertEqual(result.code, case.exit, f"exit code in {home}\n{result.errors}")
+        self.assertTrue(result.lines, f"no output in {home}\n{result.errors}")
+        self.assertEqual(result.lines[-1], f"end of {case.name}", f"last line in {home}")
+        return result.lines, requests
+
+    def run_case(self, case):
+        if case.home is not None:
+            lines, _ = self.run_in(case.home, case)
+            expected = case.path.with_suffix(".expected")
+            self.assertEqual(lines, expected.read_text(encoding="utf-8").splitlines())
+            return
+        native_lines, native_requests = self.run_in("native", case)
+        wine_lines, wine_requests = self.run_in("wine", case)
+        native_output, native_used, declared = with_declared(case.name, "native", native_lines)
+        wine_output, wine_used, _ = with_declared(case.name, "wine", wine_lines)
+        self.assertEqual(native_output, wine_output)
+        self.assertEqual(native_used & wine_used, declared, "differences.json declares what does not show")
+        self.assertEqual(native_requests, wine_requests)
+
+
+def add_tests():
+    for path in sorted(FOLDER.glob("*.js")):
+        case = run_case.Case(path)
+        setattr(ScriptCases, f"test_{case.name}", lambda self, c=case: self.run_case(c))
+
+
+add_tests()
+
+if __name__ == "__main__":
+    sys.exit(unittest.main(verbosity=2))

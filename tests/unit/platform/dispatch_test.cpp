@@ -20,8 +20,8 @@ using testing::Sample;
 
 // Where the system's library, as it is in the test's Windows, is known to answer otherwise than
 // ours: it does not tell which argument is wrong, gives a VARIANT that is a reference as it came,
-// takes any error object of the thread, knows no named arguments, and loses a reference to an
-// object that lacks the interface asked for.
+// takes any error object of the thread, does not mind a wrong named argument, and loses a reference
+// to an object that lacks the interface asked for.
 #ifdef _WIN32
 constexpr bool kIsLinux = false;
 #else
@@ -232,9 +232,9 @@ TEST_F(DispatchTest, LeavesTheErrorObjectOfAnObjectThatDoesNotSpeakOfIt) {
 }
 
 TEST_F(DispatchTest, TakesNamedArguments) {
-  if (!kIsLinux) GTEST_SKIP() << "the test's Windows does not know named arguments";
   EXPECT_EQ(Call(1, kCall, {Text(OLESTR("a")), Number(3)}, {2}), "BSTR 'a|ERROR 80020004|3'");
   EXPECT_EQ(Call(1, kCall, {Number(3), Text(OLESTR("a"))}, {2, 0}), "BSTR 'a|ERROR 80020004|3'");
+  if (!kIsLinux) return;
   EXPECT_EQ(Call(1, kCall, {Text(OLESTR("a")), Number(3)}, {0}), "DISP_E_BADPARAMCOUNT")
       << "given twice";
   EXPECT_EQ(Call(1, kCall, {Text(OLESTR("a")), Number(3)}, {3}), "DISP_E_PARAMNOTFOUND");

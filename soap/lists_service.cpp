@@ -2,26 +2,33 @@
 
 #include "connection/url_components.h"
 #include "soap/dom.h"
+#include "soap/out_of_memory.h"
 #include "soap/soap_connection.h"
 #include "soap/soap_namespaces.h"
 
 namespace velandoc {
+namespace {
+
+bool HasListCollection(LPCWSTR url) {
+  const WideString endpoint = AppendListsPath(GetServerRoot(url));
+  const CSoapEnvelope envelope(OLESTR("GetListCollection"));
+  CSoapConnection connection(endpoint.c_str());
+  ComPtr<IXMLDOMDocument2> response;
+  if (FAILED(connection.Call(envelope, response))) return false;
+  // Fetched and dropped: an answer that cannot be written out again does not count.
+  GetNodeXml(response.Get());
+  const auto result = SelectSingleNode(response.Get(), OLESTR("//resp:GetListCollectionResult"));
+  return static_cast<bool>(result);
+}
+
+}  // namespace
 
 bool GetListCollection(LPCWSTR url) {
-  bool found = false;
   try {
-    const WideString endpoint = AppendListsPath(GetServerRoot(url));
-    const CSoapEnvelope envelope(OLESTR("GetListCollection"));
-    CSoapConnection connection(endpoint.c_str());
-    ComPtr<IXMLDOMDocument2> response;
-    if (FAILED(connection.Call(envelope, response))) return false;
-    // Fetched and dropped. An answer that cannot be written out again does not count.
-    GetNodeXml(response.Get());
-    if (SelectSingleNode(response.Get(), OLESTR("//resp:GetListCollectionResult"))) found = true;
+    return RaiseOutOfMemory([&] { return HasListCollection(url); });
   } catch (const _com_error&) {
-    // What was found until then counts.
+    return false;
   }
-  return found;
 }
 
 }  // namespace velandoc

@@ -1,6 +1,7 @@
 #include "soap/soap_connection.h"
 
 #include "soap/dom.h"
+#include "soap/out_of_memory.h"
 #include "soap/soap_namespaces.h"
 
 namespace velandoc {
@@ -43,6 +44,11 @@ CSoapConnection::CSoapConnection(LPCWSTR endpoint)
 CSoapConnection::~CSoapConnection() = default;
 
 HRESULT CSoapConnection::Call(const CSoapEnvelope& envelope, ComPtr<IXMLDOMDocument2>& response) {
+  return RaiseOutOfMemory([&] { return Exchange(envelope, response); });
+}
+
+HRESULT CSoapConnection::Exchange(const CSoapEnvelope& envelope,
+                                  ComPtr<IXMLDOMDocument2>& response) {
   const WideString body = GetNodeXml(envelope.Document());
   // A single line feed between the two, and no quotes round the action: that is what servers have
   // always been sent.

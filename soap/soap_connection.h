@@ -27,6 +27,9 @@ class CSoapConnection : public CWinInetConnection {
   /// May be called again with another envelope. The request handle of the call before stays open
   /// (see Open).
   HRESULT Call(const CSoapEnvelope& envelope, ComPtr<IXMLDOMDocument2>& response);
+
+ private:
+  HRESULT Exchange(const CSoapEnvelope& envelope, ComPtr<IXMLDOMDocument2>& response);
 };
 
 }  // namespace velandoc

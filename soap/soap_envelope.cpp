@@ -2,6 +2,7 @@
 
 #include "soap/copy_node.h"
 #include "soap/dom.h"
+#include "soap/out_of_memory.h"
 #include "soap/soap_namespaces.h"
 
 namespace velandoc {
@@ -23,7 +24,7 @@ CSoapEnvelope::CSoapEnvelope() {
     return;
   }
   try {
-    Load();
+    RaiseOutOfMemory([&] { Load(); });
   } catch (const _com_error&) {
     m_document.Reset();
   }
@@ -55,8 +56,10 @@ void CSoapEnvelope::SetMethod(LPCWSTR methodName, LPCWSTR serviceNamespace) {
   m_method =
       CreateDomNode(m_document.Get(), NODE_ELEMENT, ViewOf(methodName), ViewOf(serviceNamespace));
   AppendNode(m_body.Get(), m_method.Get());
-  m_methodName = ViewOf(methodName);
-  m_namespace = ViewOf(serviceNamespace);
+  RaiseOutOfMemory([&] {
+    m_methodName = ViewOf(methodName);
+    m_namespace = ViewOf(serviceNamespace);
+  });
 }
 
 void CSoapEnvelope::AddParameter(LPCWSTR name, LPCWSTR value) {
@@ -75,20 +78,23 @@ void CSoapEnvelope::AddCheckInType(VARIANT& value) {
 
 void CSoapEnvelope::AddXmlParameter(LPCWSTR name, LPCWSTR xml) {
   try {
-    ComPtr<IXMLDOMDocument2> scratch;
-    if (FAILED(CreateDomDocument(scratch))) return;
-    // The only document that is loaded this way. Text is parsed before loadXML returns all the
-    // same.
-    CheckResult(scratch->put_async(VARIANT_TRUE));
-    VARIANT_BOOL parsed = VARIANT_FALSE;
-    CheckResult(scratch->loadXML(Bstr(ViewOf(xml)).Get(), &parsed));
-    if (parsed == VARIANT_FALSE) return;
-    const ComPtr<IXMLDOMNode> parameter = CreateParameter(name);
-    CopyNode(parameter.Get(), GetFirstChild(scratch.Get()).Get(), true);
-    AppendNode(m_method.Get(), parameter.Get());
+    RaiseOutOfMemory([&] { AppendFragment(name, xml); });
   } catch (const _com_error&) {
     // The call goes out without the parameter; see the header.
   }
+}
+
+void CSoapEnvelope::AppendFragment(LPCWSTR name, LPCWSTR xml) {
+  ComPtr<IXMLDOMDocument2> scratch;
+  if (FAILED(CreateDomDocument(scratch))) return;
+  // The only document that is loaded this way. Text is parsed before loadXML returns all the same.
+  CheckResult(scratch->put_async(VARIANT_TRUE));
+  VARIANT_BOOL parsed = VARIANT_FALSE;
+  CheckResult(scratch->loadXML(Bstr(ViewOf(xml)).Get(), &parsed));
+  if (parsed == VARIANT_FALSE) return;
+  const ComPtr<IXMLDOMNode> parameter = CreateParameter(name);
+  CopyNode(parameter.Get(), GetFirstChild(scratch.Get()).Get(), true);
+  AppendNode(m_method.Get(), parameter.Get());
 }
 
 ComPtr<IXMLDOMNode> CSoapEnvelope::CreateParameter(LPCWSTR name) {

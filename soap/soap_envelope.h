@@ -45,6 +45,7 @@ class CSoapEnvelope {
 
  private:
   void Load();
+  void AppendFragment(LPCWSTR name, LPCWSTR xml);
   ComPtr<IXMLDOMNode> CreateParameter(LPCWSTR name);
 
   // Released from the last to the first: a method before the body that holds it, the document

@@ -1,6 +1,8 @@
 // A CodePage port over another one, in which the N-th conversion fails.
 #pragma once
 
+#include <new>
+
 #include "platform/code_page.h"
 
 namespace velandoc::testing {
@@ -28,6 +30,17 @@ class FaultCodePage : public CodePage {
   CodePage& m_below;
   int m_failAt;
   int m_count = 0;
+};
+
+/// A CodePage port whose texts find no memory.
+class ExhaustedCodePage : public CodePage {
+ public:
+  int WideCharToMultiByte(UINT, DWORD, LPCWSTR, int, LPSTR, int, LPCSTR, BOOL*) override {
+    throw std::bad_alloc();
+  }
+  int MultiByteToWideChar(UINT, DWORD, LPCSTR, int, LPWSTR, int) override {
+    throw std::bad_alloc();
+  }
 };
 
 }  // namespace velandoc::testing

@@ -14,6 +14,7 @@ namespace {
 
 using testing::Answer;
 using testing::ComScope;
+using testing::ExhaustedCodePage;
 using testing::FaultCodePage;
 using testing::FaultDom;
 using testing::FaultWinInet;
@@ -152,6 +153,13 @@ TEST_F(GetListCollectionTest, NoFailureOfTheNetworkGetsOut) {
     m_platform.answers.clear();
   }
   EXPECT_EQ(operations, 9);
+}
+
+TEST_F(GetListCollectionTest, AShortageOfMemoryIsFalse) {
+  ExhaustedCodePage exhausted;
+  PortScope<CodePage> scope(exhausted);
+  EXPECT_FALSE(GetListCollection(OLESTR("http://h/")));
+  EXPECT_EQ(m_platform.OpenHandles(), 0);
 }
 
 TEST_F(GetListCollectionTest, NoFailureOfAConversionGetsOut) {

@@ -18,6 +18,7 @@ namespace {
 using testing::Answer;
 using testing::ComScope;
 using ::testing::ElementsAre;
+using testing::ExhaustedCodePage;
 using testing::FaultCodePage;
 using testing::FaultDom;
 using testing::FaultWinInet;
@@ -241,6 +242,18 @@ TEST_F(SoapConnection, EachOperationOfTheNetworkMayFail) {
     EXPECT_EQ(static_cast<bool>(m_response), harmless);
   }
   EXPECT_EQ(operations, 9);
+}
+
+TEST_F(SoapConnection, TextThatFindsNoMemoryIsRaised) {
+  CSoapConnection connection(OLESTR("http://h/a"));
+  ExhaustedCodePage exhausted;
+  PortScope<CodePage> scope(exhausted);
+  try {
+    connection.Call(CSoapEnvelope(OLESTR("M")), m_response);
+    ADD_FAILURE() << "nothing was raised";
+  } catch (const _com_error& error) {
+    EXPECT_EQ(error.Error(), E_OUTOFMEMORY);
+  }
 }
 
 TEST_F(SoapConnection, AConversionThatFailsIsAnEmptyText) {

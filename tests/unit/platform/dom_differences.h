@@ -23,5 +23,8 @@ inline constexpr bool kMatchesAcrossCarriageReturn = kIsWine;
 inline constexpr bool kMovesNodesBetweenDocuments = kIsWine;
 /// Each request for a node makes another object.
 inline constexpr bool kMakesObjectsAnew = kIsWine;
+/// An element's attribute map counts the declaration of a default namespace and cannot hand it out,
+/// so that a fragment which has one is not copied.
+inline constexpr bool kHidesDefaultDeclarations = kIsWine;
 
 }  // namespace velandoc

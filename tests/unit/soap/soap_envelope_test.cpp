@@ -9,6 +9,7 @@
 #include "tests/support/dom_tree.h"
 #include "tests/support/fault_dom.h"
 #include "tests/support/scripted_wininet.h"
+#include "tests/unit/platform/dom_differences.h"
 
 namespace velandoc {
 namespace {
@@ -174,6 +175,8 @@ TEST_F(SoapEnvelope, XmlParametersHoldACopyOfTheFragment) {
   for (const FragmentCase& test : kFragmentCases) {
     std::string expected = "M{urn:s} ( p{urn:s} ( ";
     expected.append(test.parameter).append(" ) )");
+    const bool hasDefault = WideView(test.fragment).find(OLESTR(" xmlns=")) != WideView::npos;
+    if (kHidesDefaultDeclarations && hasDefault) expected = "M{urn:s}";
     EXPECT_EQ(WithXml(test.fragment), expected) << Printable(test.fragment) << ": " << test.why;
   }
 }

@@ -34,6 +34,23 @@ void AppendPath(std::string& out, std::string_view bytes, bool escapeNonAscii) {
   }
 }
 
+/// Takes "." and ".." out of a path that begins with "/". A ".." at the top goes nowhere.
+std::string WithoutDotSegments(std::string_view path) {
+  std::string out;
+  while (!path.empty()) {
+    const std::size_t end = std::min(path.find('/', 1), path.size());
+    const std::string_view segment = path.substr(0, end);
+    path.remove_prefix(end);
+    if (segment == "/." || segment == "/..") {
+      if (segment == "/..") out.erase(std::min(out.rfind('/'), out.size()));
+      if (path.empty()) out += '/';
+    } else {
+      out += segment;
+    }
+  }
+  return out;
+}
+
 std::string Convert(UINT codePage, WideView text) {
   if (text.empty()) return {};
   // Three bytes a unit is the most that UTF-8 needs.
@@ -95,9 +112,10 @@ bool IsUsableHost(const std::string& host) {
 
 std::string RequestTarget(WideView objectName) {
   const std::size_t split = std::min(objectName.find_first_of(u"?#"), objectName.size());
-  std::string target;
-  if (split == 0 || objectName[0] != u'/') target += '/';
-  AppendPath(target, Utf8(objectName.substr(0, split)), true);
+  std::string path;
+  if (split == 0 || objectName[0] != u'/') path += '/';
+  AppendPath(path, Utf8(objectName.substr(0, split)), true);
+  std::string target = WithoutDotSegments(path);
   AppendPath(target, AnsiBytes(objectName.substr(split)), false);
   return target;
 }

@@ -27,10 +27,10 @@ std::string Origin(const Endpoint& endpoint);
 bool IsUsableHost(const std::string& host);
 
 /// The request target of an object name: "/" is put in front where it lacks one; in the path
-/// non-ASCII characters become percent-escaped UTF-8 in lower-case hexadecimal; from the first "?"
-/// or "#" on they become bytes of the code page; blanks and control characters are escaped
-/// everywhere, so no name can end the request line. All else, "%" and "//" included, goes out as it
-/// is.
+/// non-ASCII characters become percent-escaped UTF-8 in lower-case hexadecimal, and "." and ".."
+/// segments are resolved; from the first "?" or "#" on they become bytes of the code page; blanks
+/// and control characters are escaped everywhere, so no name can end the request line. All else,
+/// "%" and "//" included, goes out as it is.
 std::string RequestTarget(WideView objectName);
 
 /// A redirect's way: `location` as the server wrote it, absolute or relative to `target` on

@@ -151,7 +151,7 @@ void HeaderBlock::ReplaceFromText(std::string_view text) {
 
 void ResponseHead::SetStatusLine(std::string_view line) {
   Clear();
-  statusLine = TrimBlanks(line);
+  statusLine = line;
   std::string_view rest = statusLine;
   const std::size_t blank = std::min(rest.find(' '), rest.size());
   version = rest.substr(0, blank);

@@ -50,6 +50,7 @@ struct ResponseHead {
   HeaderBlock headers;
 
   void Clear() { *this = ResponseHead(); }
+  /// `line` without its end. What was there is dropped.
   void SetStatusLine(std::string_view line);
 };
 

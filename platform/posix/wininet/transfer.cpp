@@ -182,13 +182,13 @@ void Transfer::TakeHeaderLine(std::string_view line) {
   m_moved = true;
   // Behind the final head come only the trailers of a chunked body.
   if (m_headIsFinal) return;
+  const bool folded = line.starts_with(' ') || line.starts_with('\t');
+  const std::string_view text = TrimBlanks(line.substr(0, line.find('\n')));
   if (line.starts_with("HTTP/")) {
-    m_head.SetStatusLine(line);
+    m_head.SetStatusLine(text);
     m_headBlockComplete = false;
     return;
   }
-  const bool folded = line.starts_with(' ') || line.starts_with('\t');
-  const std::string_view text = TrimBlanks(line.substr(0, line.find('\n')));
   if (text.empty()) {
     if (m_head.status < 200) {
       m_head.Clear();  // an interim answer

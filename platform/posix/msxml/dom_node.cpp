@@ -97,6 +97,8 @@ HRESULT GiveNode(Tree& tree, xmlNode* node, IXMLDOMNode** out, xmlNode* owner) {
 }
 
 HRESULT DomNode::get_nodeName(BSTR* name) {
+  const bool isNamed = m_node->type == XML_ELEMENT_NODE || m_node->type == XML_ATTRIBUTE_NODE;
+  if (isNamed && NodePrefix(m_node).empty()) return GiveText(name, View(m_node->name));
   return Guarded([&] { return GiveText(name, NodeName(m_node)); });
 }
 
@@ -197,7 +199,7 @@ HRESULT DomNode::get_text(BSTR* text) {
   *text = nullptr;
   return Guarded([&] {
     VARIANT_BOOL preserving = VARIANT_FALSE;
-    m_tree->Document()->get_preserveWhiteSpace(&preserving);
+    if (!IsAttribute(m_node)) m_tree->Document()->get_preserveWhiteSpace(&preserving);
     *text = GetNodeText(m_node, preserving != VARIANT_FALSE);
     return S_OK;
   });

@@ -7,7 +7,7 @@
 #include <mutex>
 #include <new>
 
-#include "platform/posix/msxml/blanks.h"
+#include "platform/posix/msxml/blank_filter.h"
 #include "platform/posix/msxml/start_tag_limit.h"
 #include "platform/posix/msxml/text_encoding.h"
 
@@ -56,13 +56,20 @@ LONG CodeOf(int error) {
   return kSyntaxError;
 }
 
-ParseFailure& FailureOf(xmlParserCtxt* parser) {
-  return *static_cast<ParseFailure*>(parser->_private);
+/// What the callbacks work on.
+struct State {
+  ParseFailure& failure;
+  BlankFilter blanks;
+  bool isOutOfMemory = false;
+};
+
+State& StateOf(void* context) {
+  return *static_cast<State*>(static_cast<xmlParserCtxt*>(context)->_private);
 }
 
 /// Remembers the first failure only: what follows are its consequences.
 void Note(xmlParserCtxt* parser, LONG code, std::string_view reason) {
-  ParseFailure& failure = FailureOf(parser);
+  ParseFailure& failure = StateOf(parser).failure;
   if (failure.code != 0) return;
   failure.code = code;
   try {
@@ -100,41 +107,111 @@ void OnDoctype(void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
   Refuse(static_cast<xmlParserCtxt*>(context), kDtdProhibited, "DTD is prohibited.");
 }
 
+/// Runs a callback's work: an exception must not pass through libxml2.
+template <class Work>
+void Run(void* context, Work work) {
+  try {
+    work(StateOf(context).blanks);
+  } catch (const std::bad_alloc&) {
+    StateOf(context).isOutOfMemory = true;
+    xmlStopParser(static_cast<xmlParserCtxt*>(context));
+  }
+}
+
+/// The value of xml:space among a start tag's attributes, which come as name, prefix, namespace,
+/// begin and end of value.
+BlankFilter::Space SpaceOf(const xmlParserCtxt* parser, int attributes, const xmlChar** attribute) {
+  for (int i = 0; i < attributes; ++i, attribute += 5) {
+    // Names are interned: the prefix is the one pointer that the parser has for it.
+    if (attribute[1] != parser->str_xml || View(attribute[0]) != "space") continue;
+    const std::string_view value(reinterpret_cast<const char*>(attribute[3]),
+                                 static_cast<std::size_t>(attribute[4] - attribute[3]));
+    return value == "preserve" ? BlankFilter::Space::kPreserve : BlankFilter::Space::kDefault;
+  }
+  return BlankFilter::Space::kInherited;
+}
+
 void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
                     int declarations, const xmlChar** declaration, int attributes, int defaulted,
                     const xmlChar** attribute) {
   auto* parser = static_cast<xmlParserCtxt*>(context);
-  // An element that is not linked into the tree would leave the parser's own stack out of step: the
-  // refused one is still made, and the parse ends behind it.
-  xmlSAX2StartElementNs(context, name, prefix, uri, declarations, declaration, attributes,
-                        defaulted, attribute);
+  Run(context, [&](BlankFilter& blanks) {
+    const bool isBlankBefore = blanks.EndText();
+    blanks.BeginElement(SpaceOf(parser, attributes, attribute));
+    // An element that is refused is still made, and the parse ends behind it: the parser's own
+    // stack counts it.
+    xmlSAX2StartElementNs(context, name, prefix, uri, declarations, declaration, attributes,
+                          defaulted, attribute);
+    if (isBlankBefore && parser->node != nullptr) parser->node->extra |= kBlankBefore;
+  });
   if (parser->nodeNr > kMaxDepth) Refuse(parser, kTooDeep, "Elements are nested too deep.");
   if (parser->nsNr / 2 > kMaxNamespacesInScope) {
     Refuse(parser, kSyntaxError, "Too many namespace declarations are in force.");
   }
 }
 
+void OnEndElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
+  Run(context, [&](BlankFilter& blanks) {
+    xmlNode* const element = static_cast<xmlParserCtxt*>(context)->node;
+    if (blanks.EndText() && element != nullptr) element->extra |= kBlankAtEnd;
+    blanks.EndElement();
+    xmlSAX2EndElementNs(context, name, prefix, uri);
+  });
+}
+
 void OnCharacters(void* context, const xmlChar* text, int size) {
-  auto* parser = static_cast<xmlParserCtxt*>(context);
-  xmlSAX2Characters(context, text, size);
+  const auto* parser = static_cast<xmlParserCtxt*>(context);
   // What a character reference stands for does not lie in the input, and the input stands behind
   // its semicolon.
   const xmlParserInput* input = parser->input;
   const bool isReference = (text < input->base || text >= input->end) && input->cur > input->base &&
                            input->cur[-1] == ';';
-  if (!isReference || parser->node == nullptr) return;
-  xmlNode* last = parser->node->last;
-  if (last != nullptr && last->type == XML_TEXT_NODE) last->extra |= kSignificant;
+  const std::string_view piece(reinterpret_cast<const char*>(text), static_cast<std::size_t>(size));
+  Run(context, [&](BlankFilter& blanks) {
+    std::string held;
+    if (!blanks.Pass(piece, isReference, held)) return;
+    if (!held.empty()) xmlSAX2Characters(context, XmlText(held), static_cast<int>(held.size()));
+    xmlSAX2Characters(context, text, size);
+  });
 }
 
-ParserOwner MakeParser(const Utf8Text& text, ParseFailure& failure) {
+/// For markup that makes one node behind the others of its parent.
+template <class Make>
+void OnNode(void* context, Make make) {
+  Run(context, [&](BlankFilter& blanks) {
+    const bool isBlankBefore = blanks.EndText();
+    make();
+    const xmlNode* const parent = static_cast<xmlParserCtxt*>(context)->node;
+    if (isBlankBefore && parent != nullptr && parent->last != nullptr) {
+      parent->last->extra |= kBlankBefore;
+    }
+  });
+}
+
+void OnSection(void* context, const xmlChar* text, int size) {
+  OnNode(context, [&] { xmlSAX2CDataBlock(context, text, size); });
+}
+
+void OnComment(void* context, const xmlChar* text) {
+  OnNode(context, [&] { xmlSAX2Comment(context, text); });
+}
+
+void OnInstruction(void* context, const xmlChar* target, const xmlChar* data) {
+  OnNode(context, [&] { xmlSAX2ProcessingInstruction(context, target, data); });
+}
+
+ParserOwner MakeParser(const Utf8Text& text, State& state) {
   static std::once_flag initialized;
   std::call_once(initialized, [] { xmlInitParser(); });
   ParserOwner parser(xmlNewParserCtxt());
   if (!parser) throw std::bad_alloc();
-  parser->_private = &failure;
+  parser->_private = &state;
   parser->sax->internalSubset = OnDoctype;
   parser->sax->startElementNs = OnStartElement;
+  parser->sax->endElementNs = OnEndElement;
+  parser->sax->cdataBlock = OnSection;
+  parser->sax->comment = OnComment;
+  parser->sax->processingInstruction = OnInstruction;
   parser->sax->characters = OnCharacters;
   parser->sax->ignorableWhitespace = OnCharacters;
   parser->sax->serror = OnError;
@@ -174,7 +251,6 @@ void LinkDeclaration(xmlDoc* document, std::string_view text) {
 
 XmlDocOwner Parse(std::u16string_view text, bool preserveWhiteSpace, ParseFailure& failure) {
   failure = {};
-  text = text.substr(0, text.find(u'\0'));
   Utf8Text utf8;
   if (!EncodeStrictly(text, utf8)) {
     failure.code = kInvalidCharacter;
@@ -192,9 +268,10 @@ XmlDocOwner Parse(std::u16string_view text, bool preserveWhiteSpace, ParseFailur
     return nullptr;
   }
 
-  const ParserOwner parser = MakeParser(utf8, failure);
+  State state = {failure, BlankFilter(preserveWhiteSpace)};
+  const ParserOwner parser = MakeParser(utf8, state);
   xmlParseDocument(parser.get());
-  if (parser->errNo == XML_ERR_NO_MEMORY) throw std::bad_alloc();
+  if (state.isOutOfMemory || parser->errNo == XML_ERR_NO_MEMORY) throw std::bad_alloc();
   if (failure.code != 0) return nullptr;
   const xmlDoc* parsed = parser->myDoc;
   if (parser->wellFormed == 0 || parsed == nullptr || xmlDocGetRootElement(parsed) == nullptr) {
@@ -207,7 +284,6 @@ XmlDocOwner Parse(std::u16string_view text, bool preserveWhiteSpace, ParseFailur
   }
   XmlDocOwner document(std::exchange(parser->myDoc, nullptr));
   LinkDeclaration(document.get(), utf8.View());
-  if (!preserveWhiteSpace) StripBlanks(document.get());
   return document;
 }
 

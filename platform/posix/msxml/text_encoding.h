@@ -10,8 +10,7 @@
 
 namespace velandoc::dom {
 
-/// UTF-8 of exactly the size needed, with a terminating zero byte behind it that `size` does not
-/// count.
+/// UTF-8 with a terminating zero byte behind it that `size` does not count.
 struct Utf8Text {
   std::unique_ptr<char[]> bytes;
   std::size_t size = 0;
@@ -19,7 +18,8 @@ struct Utf8Text {
   std::string_view View() const { return {bytes.get(), size}; }
 };
 
-/// False for an unpaired surrogate; `utf8` is then unchanged. Raises std::bad_alloc.
+/// The text up to its first zero unit: MSXML reads a BSTR as a null-ended text. False for an
+/// unpaired surrogate; `utf8` is then unchanged. Raises std::bad_alloc.
 bool EncodeStrictly(std::u16string_view text, Utf8Text& utf8);
 
 /// For what callers put into a tree. An unpaired surrogate becomes three bytes as if it were a

@@ -96,6 +96,32 @@ TEST_F(DomTest, DeclarationIsTheFirstNode) {
   EXPECT_EQ(Xml(Root()), "<?xml version='1.0'  standalone='yes'?>\\x000D\\x000A<a/>\\x000D\\x000A");
 }
 
+TEST_F(DomTest, WhiteSpaceThatStays) {
+  struct Case {
+    std::string_view in;
+    std::string_view out;
+  };
+  static constexpr Case cases[] = {
+      {"<a>&#32;<b/>&#10;</a>", "<a> <b/>\\x000A</a>"},
+      {"<a> &#32; <b/> </a>", "<a>   <b/></a>"},
+      {"<a> x <b/> y </a>", "<a> x <b/> y </a>"},
+      {"<a> <![CDATA[ ]]> </a>", "<a><![CDATA[ ]]></a>"},
+      {"<a xml:space='preserve'> <b> </b> <b xml:space='default'> <c/> </b> </a>",
+       "<a xml:space=\"preserve\"> <b> </b> <b xml:space=\"default\"><c/></b> </a>"},
+      {"<a xml:space='default'> <b xml:space='preserve'> </b> </a>",
+       "<a xml:space=\"default\"><b xml:space=\"preserve\"> </b></a>"},
+  };
+  for (const Case& each : cases) {
+    ASSERT_TRUE(Load(each.in)) << each.in;
+    EXPECT_EQ(Xml(Element()), each.out) << each.in;
+  }
+}
+
+TEST_F(DomTest, StrippedWhiteSpaceIsABlankAtAnyDepth) {
+  ASSERT_TRUE(Load("<a><b>x</b> <!-- c --><d><e>y</e> </d><f>z</f><g> <h>w</h></g></a>"));
+  EXPECT_EQ(Text(Element()), "x y z w");
+}
+
 TEST_F(DomTest, WhatIsLeftOutSaysSo) {
   ASSERT_TRUE(Load("<a/>"));
   VARIANT_BOOL success = VARIANT_TRUE;

@@ -55,7 +55,9 @@ def comparable(record):
             "tls": record["tls"], "head": fields, "body": comparable_body(body)}
 
 
-class ScriptCases(unittest.TestCase):
+class BothHomes(unittest.TestCase):
+    """A stand-in server and the two homes for a class of tests."""
+
     maxDiff = None
 
     @classmethod
@@ -81,6 +83,8 @@ class ScriptCases(unittest.TestCase):
         cls.process.wait(timeout=20)
         cls.folder.cleanup()
 
+
+class ScriptCases(BothHomes):
     def run_in(self, home, case):
         self.server.prepare(case.rules)
         result = self.homes[home].run(case)
@@ -103,6 +107,40 @@ class ScriptCases(unittest.TestCase):
         self.assertEqual(native_output, wine_output)
         self.assertEqual(native_used & wine_used, declared, "differences.json declares what does not show")
         self.assertEqual(native_requests, wine_requests)
+
+
+class Command(BothHomes):
+    """The command, of which both homes have the same sources."""
+
+    def compare(self, code, *arguments):
+        self.server.prepare([{"match": {"host": "plain.example.test"}, "do": {"status": 404}}])
+        results = [home.run_command(*arguments) for home in self.homes.values()]
+        self.assertEqual([result.code for result in results], [code, code])
+        self.assertEqual(results[0].lines, results[1].lines)
+        self.assertEqual(*(result.errors.replace("\r\n", "\n") for result in results))
+        return results[0]
+
+    def test_probe(self):
+        urls = ["http://docs.example.test/\u00e9\u20ac\U0001f600", "https://docs.example.test:8443/",
+                "http://plain.example.test/"]
+        result = self.compare(1, "probe", *urls)
+        self.assertEqual(result.lines, [f"{urls[0]}: SharePoint server", f"{urls[1]}: SharePoint server",
+                                        f"{urls[2]}: no SharePoint server"])
+
+    def test_json(self):
+        result = self.compare(0, "--json", "probe", "http://docs.example.test/\u00e9")
+        self.assertEqual(json.loads("\n".join(result.lines)),
+                         [{"url": "http://docs.example.test/\u00e9", "sharepoint": True}])
+
+    def test_mistakes(self):
+        for arguments in (["probe", "docs.example.test"], ["probe", "http:///"], ["probe"], [], ["nonsense"]):
+            with self.subTest(arguments=arguments):
+                self.assertEqual(self.compare(2, *arguments).lines, [])
+        self.assertEqual(self.server.log(), [])
+
+    def test_help_and_version(self):
+        self.assertEqual(self.compare(0, "--version").lines, ["velandoc 1.0.0"])
+        self.assertIn("Exit codes:", self.compare(0, "--help").lines)
 
 
 def add_tests():

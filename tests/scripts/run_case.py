@@ -92,7 +92,7 @@ class NativeHome:
     name = "native"
 
     def __init__(self, ports, build=TOP / "build/native", certificates=TOP / "build/certificates"):
-        self.program = build / "bin/velandoc-script"
+        self.build = build
         self.folder = tempfile.TemporaryDirectory(prefix="velandoc-registry-")
         write_echo_registry(pathlib.Path(self.folder.name), build / "lib/echo_component.so")
         proxy = f"http://127.0.0.1:{ports['http']}"
@@ -101,11 +101,17 @@ class NativeHome:
             http_proxy=proxy, https_proxy=proxy, SSL_CERT_FILE=str(certificates / "ca.pem"),
             VELANDOC_REGISTRY_DIR=self.folder.name, VELANDOC_NO_INPUT="1")
 
-    def run(self, case):
-        done = subprocess.run([self.program, case.path, *case.arguments], env=self.environment,
+    def program(self, name, *arguments):
+        done = subprocess.run([self.build / "bin" / name, *arguments], env=self.environment,
                               cwd=self.folder.name, stdin=subprocess.DEVNULL, capture_output=True,
                               timeout=TIMEOUT, check=False)
         return Result(done.returncode, done.stdout, done.stderr)
+
+    def run(self, case):
+        return self.program("velandoc-script", case.path, *case.arguments)
+
+    def run_command(self, *arguments):
+        return self.program("velandoc", *arguments)
 
 
 class WineHome:
@@ -117,6 +123,7 @@ class WineHome:
     def __init__(self, ports, build=TOP / "build/windows"):
         # The registry's proxy alone counts then; Wine would read the environment's, too.
         self.environment = without_settings(os.environ)
+        self.build = build
         self.must("regsvr32", "/s", windows_path(build / "bin/velandoc.dll"))
         self.set_text(rf"HKLM\Software\Classes\{ECHO_NAME}\CLSID", ECHO_CLASS)
         self.set_text(rf"HKLM\Software\Classes\CLSID\{ECHO_CLASS}\InprocServer32",
@@ -142,6 +149,10 @@ class WineHome:
 
     def run(self, case):
         done = self.wine("cscript", "//nologo", windows_path(case.path), *case.arguments)
+        return Result(done.returncode, done.stdout, done.stderr)
+
+    def run_command(self, *arguments):
+        done = self.wine(self.build / "bin/velandoc.exe", *arguments)
         return Result(done.returncode, done.stdout, done.stderr)
 
 

@@ -175,6 +175,8 @@ def standin(lane):
                 "VELANDOC_STANDIN": f"http={ports['http']},https={ports['https']},"
                                     f"control={ports['control']}",
                 "VELANDOC_CERTIFICATES": str(CERTIFICATES),
+                # The first of the two that is set counts.
+                "CURL_CA_BUNDLE": str(CERTIFICATES / "ca.pem"),
                 "SSL_CERT_FILE": str(CERTIFICATES / "ca.pem"),
             }
         finally:

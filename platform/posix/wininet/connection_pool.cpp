@@ -3,6 +3,7 @@
 #include <map>
 #include <mutex>
 #include <new>
+#include <utility>
 
 namespace velandoc::wininet {
 namespace {
@@ -33,6 +34,7 @@ ConnectionPool::ConnectionPool() : m_multi(curl_multi_init()), m_share(curl_shar
     curl_share_cleanup(m_share);
     throw std::bad_alloc();
   }
+  m_idle.reserve(kMaxIdleEasy);
   curl_multi_setopt(m_multi, CURLMOPT_MAXCONNECTS, kMaxIdleConnections);
   curl_multi_setopt(m_multi, CURLMOPT_PIPELINING, CURLPIPE_NOTHING);
   curl_share_setopt(m_share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
@@ -61,7 +63,8 @@ CURL* ConnectionPool::TakeEasy() {
     easy = m_idle.back();
     m_idle.pop_back();
   }
-  if (easy != nullptr) curl_easy_setopt(easy, CURLOPT_SHARE, m_share);
+  if (easy == nullptr) throw std::bad_alloc();
+  curl_easy_setopt(easy, CURLOPT_SHARE, m_share);
   return easy;
 }
 
@@ -72,6 +75,24 @@ void ConnectionPool::GiveBackEasy(CURL* easy) {
   }
   curl_easy_reset(easy);
   m_idle.push_back(easy);
+}
+
+EasyHandle::EasyHandle(std::shared_ptr<ConnectionPool> pool)
+    : m_pool(std::move(pool)), m_easy(m_pool->TakeEasy()) {}
+
+EasyHandle::~EasyHandle() {
+  Leave();
+  m_pool->GiveBackEasy(m_easy);
+}
+
+bool EasyHandle::Join() {
+  m_joined = curl_multi_add_handle(m_pool->Multi(), m_easy) == CURLM_OK;
+  return m_joined;
+}
+
+void EasyHandle::Leave() {
+  if (m_joined) curl_multi_remove_handle(m_pool->Multi(), m_easy);
+  m_joined = false;
 }
 
 }  // namespace velandoc::wininet

@@ -29,14 +29,36 @@ class ConnectionPool {
   static void ForgetThread();
 
   CURLM* Multi() const { return m_multi; }
-  /// A handle with no options set but the shared session cache; null if there is no memory.
+
+ private:
+  friend class EasyHandle;
   CURL* TakeEasy();
   void GiveBackEasy(CURL* easy);
 
- private:
   CURLM* m_multi;
   CURLSH* m_share;
   std::vector<CURL*> m_idle;
+};
+
+/// An easy handle of a pool, with no options set but the shared session cache. It goes back to the
+/// pool in the end.
+class EasyHandle {
+ public:
+  explicit EasyHandle(std::shared_ptr<ConnectionPool> pool);
+  ~EasyHandle();
+  EasyHandle(const EasyHandle&) = delete;
+  EasyHandle& operator=(const EasyHandle&) = delete;
+
+  CURL* Get() const { return m_easy; }
+  CURLM* Multi() const { return m_pool->Multi(); }
+  /// Starts and ends its part in the pool's multi handle; ending early closes the connection.
+  bool Join();
+  void Leave();
+
+ private:
+  std::shared_ptr<ConnectionPool> m_pool;
+  CURL* m_easy;
+  bool m_joined = false;
 };
 
 }  // namespace velandoc::wininet

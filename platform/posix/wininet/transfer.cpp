@@ -25,19 +25,18 @@ bool HasHeader(const TransferPlan& plan, std::string_view name) {
                      });
 }
 
-void Append(curl_slist*& list, const char* line) {
-  curl_slist* longer = curl_slist_append(list, line);
-  if (longer == nullptr) throw std::bad_alloc();
-  list = longer;
-}
-
 }  // namespace
 
+void HeaderList::Append(const char* line) {
+  curl_slist* longer = curl_slist_append(m_lines, line);
+  if (longer == nullptr) throw std::bad_alloc();
+  m_lines = longer;
+}
+
 Transfer::Transfer(const TransferPlan& plan)
-    : m_pool(ConnectionPool::ForThread(plan.ignoreFlags & kCertificateIgnoreFlags)),
-      m_certificate(std::make_shared<CertificateCheck>()),
-      m_easy(m_pool->TakeEasy()) {
-  if (m_easy == nullptr) throw std::bad_alloc();
+    : m_certificate(std::make_shared<CertificateCheck>()),
+      m_handle(ConnectionPool::ForThread(plan.ignoreFlags & kCertificateIgnoreFlags)),
+      m_easy(m_handle.Get()) {
   m_certificate->host = plan.server.host;
   m_certificate->ignoreFlags = plan.ignoreFlags;
   m_streamed = plan.bodyKind == BodyKind::kStreamed;
@@ -49,11 +48,8 @@ Transfer::Transfer(const TransferPlan& plan)
 Transfer::~Transfer() {
   // Without waiting: a short answer lies in the socket already, and for a longer one a new
   // connection is cheaper.
-  if (m_running && m_headIsFinal && !m_done) DiscardRest(std::chrono::milliseconds(0));
-  if (m_running) curl_multi_remove_handle(m_pool->Multi(), m_easy);
-  m_pool->GiveBackEasy(m_easy);
-  curl_slist_free_all(m_headerList);
-  curl_slist_free_all(m_proxyHeaderList);
+  if (m_headIsFinal && !m_done) DiscardRest(std::chrono::milliseconds(0));
+  m_handle.Leave();
 }
 
 void Transfer::SetOptions(const TransferPlan& plan) {
@@ -122,30 +118,30 @@ void Transfer::SetOptions(const TransferPlan& plan) {
 void Transfer::SetHeaders(const TransferPlan& plan) {
   // libcurl puts its own headers first. A name alone takes its header out, also for Host; the
   // request's own lines then stand in their order.
-  Append(m_headerList, "Host:");
-  Append(m_headerList, "Expect:");
-  if (!HasHeader(plan, "Accept")) Append(m_headerList, "Accept:");
-  if (!HasHeader(plan, "User-Agent")) Append(m_headerList, "User-Agent:");
-  if (!HasHeader(plan, "Content-Type")) Append(m_headerList, "Content-Type:");
+  m_headerList.Append("Host:");
+  m_headerList.Append("Expect:");
+  if (!HasHeader(plan, "Accept")) m_headerList.Append("Accept:");
+  if (!HasHeader(plan, "User-Agent")) m_headerList.Append("User-Agent:");
+  if (!HasHeader(plan, "Content-Type")) m_headerList.Append("Content-Type:");
   if (plan.proxy) {
     if (plan.server.secure) {
       // What the server is told is not for the proxy's eyes.
       curl_easy_setopt(m_easy, CURLOPT_HEADEROPT, static_cast<long>(CURLHEADER_SEPARATE));
-      Append(m_proxyHeaderList, "Proxy-Connection:");
-      curl_easy_setopt(m_easy, CURLOPT_PROXYHEADER, m_proxyHeaderList);
+      m_proxyHeaderList.Append("Proxy-Connection:");
+      curl_easy_setopt(m_easy, CURLOPT_PROXYHEADER, m_proxyHeaderList.Get());
     } else {
-      Append(m_headerList, "Proxy-Connection:");
+      m_headerList.Append("Proxy-Connection:");
     }
   }
   for (const std::string& line : plan.headerLines) {
     // "Name;" is libcurl's way to write a header with no value.
     if (line.ends_with(": ")) {
-      Append(m_headerList, (line.substr(0, line.size() - 2) + ";").c_str());
+      m_headerList.Append((line.substr(0, line.size() - 2) + ";").c_str());
     } else {
-      Append(m_headerList, line.c_str());
+      m_headerList.Append(line.c_str());
     }
   }
-  curl_easy_setopt(m_easy, CURLOPT_HTTPHEADER, m_headerList);
+  curl_easy_setopt(m_easy, CURLOPT_HTTPHEADER, m_headerList.Get());
 }
 
 std::size_t Transfer::OnHeader(char* data, std::size_t size, std::size_t count, void* self) {
@@ -273,7 +269,7 @@ void Transfer::ResumeSending() {
 
 void Transfer::CollectResults() {
   int left = 0;
-  while (const CURLMsg* message = curl_multi_info_read(m_pool->Multi(), &left)) {
+  while (const CURLMsg* message = curl_multi_info_read(m_handle.Multi(), &left)) {
     if (message->msg != CURLMSG_DONE) continue;
     // The multi handle is the thread's; the message may be another transfer's.
     char* owner = nullptr;
@@ -311,8 +307,7 @@ void Transfer::Finish(CURLcode result) {
 }
 
 void Transfer::Abort(DWORD error) {
-  if (m_running) curl_multi_remove_handle(m_pool->Multi(), m_easy);
-  m_running = false;
+  m_handle.Leave();
   m_done = true;
   m_error = error;
 }
@@ -320,7 +315,7 @@ void Transfer::Abort(DWORD error) {
 DWORD Transfer::Step(bool maySleep) {
   m_moved = false;
   int running = 0;
-  curl_multi_perform(m_pool->Multi(), &running);
+  curl_multi_perform(m_handle.Multi(), &running);
   CollectResults();
   const Clock::time_point now = Clock::now();
   if (m_moved) {
@@ -341,7 +336,7 @@ DWORD Transfer::Step(bool maySleep) {
   }
   const auto left =
       std::chrono::ceil<std::chrono::milliseconds>(m_lastMove + m_deadlines.silence - now);
-  curl_multi_poll(m_pool->Multi(), nullptr, 0,
+  curl_multi_poll(m_handle.Multi(), nullptr, 0,
                   static_cast<int>(std::min(left, kLongestPoll).count()), nullptr);
   return ERROR_SUCCESS;
 }
@@ -357,10 +352,7 @@ DWORD Transfer::DriveUntil(Condition condition) {
 
 DWORD Transfer::Start() {
   m_lastMove = Clock::now();
-  if (curl_multi_add_handle(m_pool->Multi(), m_easy) != CURLM_OK) {
-    return ERROR_INTERNET_INTERNAL_ERROR;
-  }
-  m_running = true;
+  if (!m_handle.Join()) return ERROR_INTERNET_INTERNAL_ERROR;
   return DriveUntil([this] { return m_headIsFinal || (m_streamed && m_bodyBegun); });
 }
 
@@ -449,7 +441,7 @@ void Transfer::DiscardRest(std::chrono::milliseconds patience) {
     if (m_done || m_moved) continue;
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
     if (left.count() <= 0) return;
-    curl_multi_poll(m_pool->Multi(), nullptr, 0, static_cast<int>(left.count()), nullptr);
+    curl_multi_poll(m_handle.Multi(), nullptr, 0, static_cast<int>(left.count()), nullptr);
   }
 }
 

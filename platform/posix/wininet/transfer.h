@@ -46,6 +46,20 @@ struct TransferPlan {
   DWORD ignoreFlags = 0;
 };
 
+/// libcurl's list of header lines.
+class HeaderList {
+ public:
+  HeaderList() = default;
+  ~HeaderList() { curl_slist_free_all(m_lines); }
+  HeaderList(const HeaderList&) = delete;
+  HeaderList& operator=(const HeaderList&) = delete;
+  void Append(const char* line);
+  curl_slist* Get() const { return m_lines; }
+
+ private:
+  curl_slist* m_lines = nullptr;
+};
+
 class Transfer {
  public:
   static constexpr std::size_t kBufferedBytes = 64 * 1024;
@@ -105,12 +119,12 @@ class Transfer {
   void ResumeReceiving();
   void ResumeSending();
 
-  std::shared_ptr<ConnectionPool> m_pool;
   std::shared_ptr<CertificateCheck> m_certificate;
-  CURL* m_easy = nullptr;
-  curl_slist* m_headerList = nullptr;
-  curl_slist* m_proxyHeaderList = nullptr;
-  bool m_running = false;  // in the pool's multi handle
+  // In front of the easy handle, which refers to them until it is reset.
+  HeaderList m_headerList;
+  HeaderList m_proxyHeaderList;
+  EasyHandle m_handle;
+  CURL* m_easy;  // m_handle's
   bool m_done = false;
   DWORD m_error = ERROR_SUCCESS;
   bool m_moved = false;  // a callback ran since the latest round

@@ -43,11 +43,9 @@ class _com_error {
   _com_error(const _com_error& other) noexcept : m_result(other.m_result), m_info(other.m_info) {
     if (m_info != nullptr) m_info->AddRef();
   }
-  _com_error& operator=(const _com_error& other) noexcept {
-    if (other.m_info != nullptr) other.m_info->AddRef();
-    if (m_info != nullptr) m_info->Release();
+  _com_error& operator=(_com_error other) noexcept {
     m_result = other.m_result;
-    m_info = other.m_info;
+    std::swap(m_info, other.m_info);
     m_message.clear();
     return *this;
   }

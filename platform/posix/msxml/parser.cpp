@@ -118,6 +118,11 @@ void Run(void* context, Work work) {
   }
 }
 
+/// White space behind a start tag separates nothing: it is noted only where a node goes before.
+void NoteBlankBefore(xmlNode* node) {
+  if (node != nullptr && node->prev != nullptr) node->extra |= kBlankBefore;
+}
+
 /// The value of xml:space among a start tag's attributes, which come as name, prefix, namespace,
 /// begin and end of value.
 BlankFilter::Space SpaceOf(const xmlParserCtxt* parser, int attributes, const xmlChar** attribute) {
@@ -142,7 +147,7 @@ void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, c
     // stack counts it.
     xmlSAX2StartElementNs(context, name, prefix, uri, declarations, declaration, attributes,
                           defaulted, attribute);
-    if (isBlankBefore && parser->node != nullptr) parser->node->extra |= kBlankBefore;
+    if (isBlankBefore) NoteBlankBefore(parser->node);
   });
   if (parser->nodeNr > kMaxDepth) Refuse(parser, kTooDeep, "Elements are nested too deep.");
   if (parser->nsNr / 2 > kMaxNamespacesInScope) {
@@ -182,9 +187,7 @@ void OnNode(void* context, Make make) {
     const bool isBlankBefore = blanks.EndText();
     make();
     const xmlNode* const parent = static_cast<xmlParserCtxt*>(context)->node;
-    if (isBlankBefore && parent != nullptr && parent->last != nullptr) {
-      parent->last->extra |= kBlankBefore;
-    }
+    if (isBlankBefore && parent != nullptr) NoteBlankBefore(parent->last);
   });
 }
 

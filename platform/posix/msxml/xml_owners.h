@@ -60,7 +60,7 @@ inline xmlNode* NextInSubtree(xmlNode* node, const xmlNode* root) {
 /// Notes that the tree keeps in a node's `extra` field about white space that is not in it any
 /// more.
 enum BlankNote : unsigned short {
-  kBlankBefore = 1,  // white space was stripped in front of this node
+  kBlankBefore = 1,  // white space was stripped between this node and the one before
   kBlankAtEnd = 2,   // white space was stripped in front of this element's end tag
   kSignificant =
       4,  // this text was written with character references, and stays even if it is white space

@@ -50,12 +50,11 @@ TEST_F(DomBuildTest, ChildWithoutNamespaceKeepsNone) {
   const NodePtr child = Create(NODE_ELEMENT, OLESTR("Query"), OLESTR(""));
   Append(Element(), child);
   EXPECT_EQ(Uri(child), "");
-  if (kLosesEmptyNamespace) return;
   Reload();
   NodePtr read;
   ASSERT_EQ(Element()->get_firstChild(read.Receive()), S_OK);
   EXPECT_EQ(Uri(Element()), "urn:a");
-  EXPECT_EQ(Uri(read), "");
+  EXPECT_EQ(Uri(read), kLosesEmptyNamespace ? "urn:a" : "");
 }
 
 TEST_F(DomBuildTest, PutTextReplacesAllChildren) {
@@ -79,7 +78,7 @@ TEST_F(DomBuildTest, AttributeIsSetWithItsText) {
   PutText(attribute, OLESTR("a\"<&>'\n\tb"));
   ComPtr<IXMLDOMNode> set;
   ASSERT_EQ(Attributes(Element())->setNamedItem(attribute.Get(), set.Receive()), S_OK);
-  EXPECT_EQ(set.Get(), attribute.Get());
+  EXPECT_EQ(set.Get() == attribute.Get(), !kMakesObjectsAnew);
   EXPECT_EQ(Text(Attribute(Element(), OLESTR("Name"))), "a\"<&>'\\x000A\\x0009b");
   Reload();
   EXPECT_EQ(Text(Attribute(Element(), OLESTR("Name"))), "a\"<&>'\\x000A\\x0009b");
@@ -87,7 +86,8 @@ TEST_F(DomBuildTest, AttributeIsSetWithItsText) {
 
 TEST_F(DomBuildTest, SetNamedItemReplacesTheOneOfThatName) {
   ASSERT_TRUE(Load("<r a='1' b='2' c='3'/>"));
-  const NodePtr old = Attribute(Element(), OLESTR("b"));
+  NodePtr old;
+  if (!kFreesHeldNodes) old = Attribute(Element(), OLESTR("b"));
   const NodePtr attribute = Create(NODE_ATTRIBUTE, OLESTR("b"), OLESTR(""));
   PutText(attribute, OLESTR("new"));
   ASSERT_EQ(Attributes(Element())->setNamedItem(attribute.Get(), nullptr), S_OK);
@@ -95,13 +95,16 @@ TEST_F(DomBuildTest, SetNamedItemReplacesTheOneOfThatName) {
   ASSERT_EQ(Attributes(Element())->get_length(&length), S_OK);
   EXPECT_EQ(length, 3);
   EXPECT_EQ(Text(Attribute(Element(), OLESTR("b"))), "new");
-  EXPECT_EQ(Text(old), "2");
+  if (old) {
+    EXPECT_EQ(Text(old), "2");
+  }
 }
 
 TEST_F(DomBuildTest, CreateNodeWantsAKindAndAName) {
   NodePtr node;
   for (const OLECHAR* name :
        {OLESTR(""), OLESTR("a b"), OLESTR("1a"), OLESTR("a:b:c"), OLESTR("<")}) {
+    if (kTakesAnyName && *name != 0) continue;
     EXPECT_TRUE(FAILED(m_document->createNode(Variant(NODE_ELEMENT, VT_INT).Get(), Bstr(name).Get(),
                                               Bstr(OLESTR("u")).Get(), node.Receive())))
         << Show(name);

@@ -12,8 +12,6 @@ inline constexpr bool kIsWine = false;
 
 /// Nesting is not limited.
 inline constexpr bool kHasNoDepthLimit = kIsWine;
-/// Unpaired surrogates are taken.
-inline constexpr bool kTakesUnpairedSurrogates = kIsWine;
 /// The serializer leaves out xmlns="", so that an element without a namespace is read into its
 /// parent's.
 inline constexpr bool kLosesEmptyNamespace = kIsWine;
@@ -26,5 +24,18 @@ inline constexpr bool kMakesObjectsAnew = kIsWine;
 /// An element's attribute map counts the declaration of a default namespace and cannot hand it out,
 /// so that a fragment which has one is not copied.
 inline constexpr bool kHidesDefaultDeclarations = kIsWine;
+
+/// getNamedItem does not find a namespace declaration, which the map counts all the same.
+inline constexpr bool kFindsNoDeclarationByName = kIsWine;
+/// Nodes that are replaced are freed, and objects for them read what then lies there.
+inline constexpr bool kFreesHeldNodes = kIsWine;
+/// An attribute of nothing but a line feed reads as empty.
+inline constexpr bool kTrimsLineFeedAttribute = kIsWine;
+/// A parse error has no line.
+inline constexpr bool kTellsNoLine = kIsWine;
+/// createNode takes names that XML does not have.
+inline constexpr bool kTakesAnyName = kIsWine;
+/// An element is taken into its own subtree, and an attribute away from its element.
+inline constexpr bool kTakesImpossibleChildren = kIsWine;
 
 }  // namespace velandoc

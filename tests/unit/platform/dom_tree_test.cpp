@@ -1,5 +1,7 @@
 // Walking and changing trees; who keeps what alive.
 
+#include <set>
+
 #include "tests/unit/platform/dom_differences.h"
 #include "tests/unit/platform/dom_fixture.h"
 
@@ -26,12 +28,12 @@ TEST_F(DomTest, Navigation) {
   EXPECT_EQ(Name(c), "c");
   NodePtr other;
   ASSERT_EQ(c->get_previousSibling(other.Receive()), S_OK);
-  EXPECT_EQ(other.Get(), text.Get());
+  EXPECT_EQ(Name(other), "#text");
   EXPECT_EQ(c->get_nextSibling(other.Receive()), S_FALSE);
   EXPECT_FALSE(other);
   EXPECT_EQ(c->get_firstChild(other.Receive()), S_FALSE);
   ASSERT_EQ(c->get_parentNode(other.Receive()), S_OK);
-  EXPECT_EQ(other.Get(), a.Get());
+  EXPECT_EQ(Name(other), "a");
   EXPECT_EQ(Root()->get_parentNode(other.Receive()), S_FALSE);
 }
 
@@ -97,18 +99,24 @@ TEST_F(DomTest, AttributeMapHoldsTheDeclarations) {
   LONG length = 0;
   ASSERT_EQ(map->get_length(&length), S_OK);
   ASSERT_EQ(length, 3);
-  std::string read;
+  std::set<std::string> read;
   for (LONG i = 0; i < length; ++i) {
     NodePtr attribute;
     ASSERT_EQ(map->get_item(i, attribute.Receive()), S_OK);
-    read += Name(attribute) + "=" + Text(attribute) + ";";
+    read.insert(Name(attribute) + "=" + Text(attribute));
   }
-  EXPECT_EQ(read, "xmlns:z=#RowsetSchema;ows_ID=7;ows_Title=;");
+  // Where the declarations stand among the others is the home's choice.
+  const std::set<std::string> expected = {"ows_ID=7", "ows_Title=", "xmlns:z=#RowsetSchema"};
+  EXPECT_EQ(read, expected);
   NodePtr outside;
   EXPECT_NE(map->get_item(3, outside.Receive()), S_OK);
   EXPECT_FALSE(outside);
-  EXPECT_EQ(Uri(Attribute(Element(), OLESTR("xmlns:z"))), "http://www.w3.org/2000/xmlns/");
   EXPECT_FALSE(Attribute(Element(), OLESTR("none")));
+  const NodePtr declaration = Attribute(Element(), OLESTR("xmlns:z"));
+  ASSERT_EQ(static_cast<bool>(declaration), !kFindsNoDeclarationByName);
+  if (declaration) {
+    EXPECT_EQ(Uri(declaration), "http://www.w3.org/2000/xmlns/");
+  }
 }
 
 TEST_F(DomTest, OnlyElementsHaveAttributes) {
@@ -161,7 +169,7 @@ TEST_F(DomTest, InsertRemoveReplace) {
   EXPECT_EQ(inserted.Get(), c.Get());
   NodePtr next;
   ASSERT_EQ(c->get_nextSibling(next.Receive()), S_OK);
-  EXPECT_EQ(next.Get(), b.Get());
+  EXPECT_EQ(Name(next), "b");
 
   const NodePtr d = Create(NODE_ELEMENT, OLESTR("d"), OLESTR(""));
   NodePtr replaced;
@@ -185,6 +193,7 @@ TEST_F(DomTest, AppendMovesANode) {
 }
 
 TEST_F(DomTest, ImpossibleChildrenAreRefused) {
+  if (kTakesImpossibleChildren) return;
   ASSERT_TRUE(Load("<a b='1'><c/></a>"));
   EXPECT_TRUE(FAILED(Element()->appendChild(nullptr, nullptr)));
   EXPECT_TRUE(FAILED(Find(OLESTR("//c"))->appendChild(Element().Get(), nullptr)));
@@ -194,17 +203,17 @@ TEST_F(DomTest, ImpossibleChildrenAreRefused) {
 }
 
 TEST_F(DomTest, NodeOfAnotherDocumentIsRefused) {
-  if (kMovesNodesBetweenDocuments) return;
   ASSERT_TRUE(Load("<a/>"));
   const DocumentPtr other = NewDocument();
   ASSERT_TRUE(Load(other, OLESTR("<b c='1'/>")));
   ComPtr<IXMLDOMElement> foreign;
   ASSERT_EQ(other->get_documentElement(foreign.Receive()), S_OK);
-  EXPECT_TRUE(FAILED(Element()->appendChild(foreign.Get(), nullptr)));
-  EXPECT_EQ(Count(Children(Element())), 0);
+  EXPECT_EQ(SUCCEEDED(Element()->appendChild(foreign.Get(), nullptr)), kMovesNodesBetweenDocuments);
+  EXPECT_EQ(Count(Children(Element())), kMovesNodesBetweenDocuments ? 1 : 0);
 }
 
 TEST_F(DomTest, AttributeInUseIsRefused) {
+  if (kTakesImpossibleChildren) return;
   ASSERT_TRUE(Load("<a b='1'><c/></a>"));
   const NodePtr used = Attribute(Element(), OLESTR("b"));
   EXPECT_TRUE(FAILED(Attributes(Find(OLESTR("//c")))->setNamedItem(used.Get(), nullptr)));
@@ -266,6 +275,7 @@ TEST_F(DomTest, NodesKeepWhatTheyNeed) {
 }
 
 TEST_F(DomTest, FoundNodesOutliveTheirRemoval) {
+  if (kFreesHeldNodes) return;
   ASSERT_TRUE(Load("<a><b>1</b><b>2</b></a>"));
   const auto found = FindAll(Root(), OLESTR("//b"));
   PutText(Element(), OLESTR(""));

@@ -117,11 +117,6 @@ TEST_F(DomTest, WhiteSpaceThatStays) {
   }
 }
 
-TEST_F(DomTest, StrippedWhiteSpaceIsABlankAtAnyDepth) {
-  ASSERT_TRUE(Load("<a><b>x</b> <!-- c --><d><e>y</e> </d><f>z</f><g> <h>w</h></g></a>"));
-  EXPECT_EQ(Text(Element()), "x y z w");
-}
-
 TEST_F(DomTest, WhatIsLeftOutSaysSo) {
   ASSERT_TRUE(Load("<a/>"));
   VARIANT_BOOL success = VARIANT_TRUE;

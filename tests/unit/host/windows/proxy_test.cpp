@@ -4,7 +4,6 @@
 #include <thread>
 
 #include "host/exports.h"
-#include "host/velandoc_app.h"
 #include "platform/owners.h"
 #include "velandoc_idl.h"
 
@@ -52,6 +51,25 @@ void PumpUntil(HANDLE done) {
   }
 }
 
+/// Makes the proxies known to the apartment of the calling thread for a scope, without the
+/// registry.
+class ProxiesOfThisProcess {
+ public:
+  ProxiesOfThisProcess() {
+    ComPtr<IUnknown> factory;
+    DllGetClassObject(IID_IServerCheck, IID_IPSFactoryBuffer, factory.ReceiveVoid());
+    CoRegisterClassObject(IID_IServerCheck, factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
+                          &m_cookie);
+    CoRegisterPSClsid(IID_IServerCheck, IID_IServerCheck);
+  }
+  ~ProxiesOfThisProcess() { CoRevokeClassObject(m_cookie); }
+  ProxiesOfThisProcess(const ProxiesOfThisProcess&) = delete;
+  ProxiesOfThisProcess& operator=(const ProxiesOfThisProcess&) = delete;
+
+ private:
+  DWORD m_cookie = 0;
+};
+
 TEST(ProxyTest, TheFactoryOfTheProxiesIsServed) {
   ComPtr<IUnknown> factory;
   EXPECT_EQ(DllGetClassObject(IID_IServerCheck, IID_IPSFactoryBuffer, factory.ReceiveVoid()), S_OK);
@@ -60,16 +78,7 @@ TEST(ProxyTest, TheFactoryOfTheProxiesIsServed) {
 TEST(ProxyTest, ACallCrossesApartments) {
   ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
   {
-    // The proxies of this process, without the registry.
-    ComPtr<IUnknown> factory;
-    ASSERT_EQ(DllGetClassObject(IID_IServerCheck, IID_IPSFactoryBuffer, factory.ReceiveVoid()),
-              S_OK);
-    DWORD cookie = 0;
-    ASSERT_EQ(CoRegisterClassObject(IID_IServerCheck, factory.Get(), CLSCTX_INPROC_SERVER,
-                                    REGCLS_MULTIPLEUSE, &cookie),
-              S_OK);
-    ASSERT_EQ(CoRegisterPSClsid(IID_IServerCheck, IID_IServerCheck), S_OK);
-
+    const ProxiesOfThisProcess proxies;
     CallRecorder recorder;
     IStream* stream = nullptr;
     ASSERT_EQ(CoMarshalInterThreadInterfaceInStream(IID_IServerCheck, &recorder, &stream), S_OK);
@@ -79,6 +88,7 @@ TEST(ProxyTest, ACallCrossesApartments) {
     std::thread other([&] {
       CoInitializeEx(nullptr, COINIT_MULTITHREADED);
       {
+        const ProxiesOfThisProcess otherProxies;
         ComPtr<IServerCheck> proxy;
         result = CoGetInterfaceAndReleaseStream(stream, IID_IServerCheck, proxy.ReceiveVoid());
         if (SUCCEEDED(result)) {
@@ -96,7 +106,6 @@ TEST(ProxyTest, ACallCrossesApartments) {
     EXPECT_EQ(isServer, VARIANT_TRUE);
     EXPECT_EQ(recorder.seen, L"http://\u00E9\u20AC");
     EXPECT_EQ(recorder.thread, GetCurrentThreadId()) << "the call did not come home";
-    CoRevokeClassObject(cookie);
   }
   CoUninitialize();
 }

@@ -7,15 +7,10 @@
 #include "platform/resources.h"
 
 namespace velandoc {
-namespace {
-
-constexpr CLSID kRegistrarClass = {
-    0x44EC053A, 0x400F, 0x11D0, {0x9D, 0xCD, 0x00, 0xA0, 0xC9, 0x03, 0x91, 0xD3}};
-constexpr IID kRegistrarInterface = {
-    0x44EC053B, 0x400F, 0x11D0, {0x9D, 0xCD, 0x00, 0xA0, 0xC9, 0x03, 0x91, 0xD3}};
 
 /// The system's registrar, which no header here declares. The order of the operations is its
-/// virtual table's.
+/// virtual table's. Not in the unnamed namespace: a compiler that sees all of that and no class
+/// that implements it takes the calls for unreachable.
 struct SystemRegistrar : IUnknown {
   virtual HRESULT STDMETHODCALLTYPE AddReplacement(LPCOLESTR key, LPCOLESTR item) = 0;
   virtual HRESULT STDMETHODCALLTYPE ClearReplacements() = 0;
@@ -26,6 +21,13 @@ struct SystemRegistrar : IUnknown {
   virtual HRESULT STDMETHODCALLTYPE StringRegister(LPCOLESTR script) = 0;
   virtual HRESULT STDMETHODCALLTYPE StringUnregister(LPCOLESTR script) = 0;
 };
+
+namespace {
+
+constexpr CLSID kRegistrarClass = {
+    0x44EC053A, 0x400F, 0x11D0, {0x9D, 0xCD, 0x00, 0xA0, 0xC9, 0x03, 0x91, 0xD3}};
+constexpr IID kRegistrarInterface = {
+    0x44EC053B, 0x400F, 0x11D0, {0x9D, 0xCD, 0x00, 0xA0, 0xC9, 0x03, 0x91, 0xD3}};
 
 /// Every key and value below `key`, as text.
 std::wstring Dump(HKEY key, const std::wstring& path) {

@@ -40,6 +40,8 @@ Transfer::Transfer(const TransferPlan& plan)
   m_certificate->host = plan.server.host;
   m_certificate->ignoreFlags = plan.ignoreFlags;
   m_streamed = plan.bodyKind == BodyKind::kStreamed;
+  m_isPlainDownload =
+      plan.bodyKind == BodyKind::kNone && plan.verb != "HEAD" && !plan.server.secure && !plan.proxy;
   m_unwritten = plan.bodyLength;
   SetOptions(plan);
   SetHeaders(plan);
@@ -48,7 +50,7 @@ Transfer::Transfer(const TransferPlan& plan)
 Transfer::~Transfer() {
   // Without waiting: a short answer lies in the socket already, and for a longer one a new
   // connection is cheaper.
-  if (m_headIsFinal && !m_done) DiscardRest(std::chrono::milliseconds(0));
+  if (m_headIsFinal && !m_done && !m_direct) DiscardRest(std::chrono::milliseconds(0));
   m_handle.Leave();
 }
 
@@ -165,6 +167,15 @@ std::size_t Transfer::OnUpload(char* buffer, std::size_t size, std::size_t count
   return static_cast<Transfer*>(self)->GiveBody(buffer, size * count);
 }
 
+/// Called when a transfer that was paused goes on: the one moment at which libcurl tells a running
+/// transfer's socket.
+int Transfer::OnSocket(CURL* easy, curl_socket_t socket, int what, void*, void*) {
+  char* owner = nullptr;
+  curl_easy_getinfo(easy, CURLINFO_PRIVATE, &owner);
+  if (what != CURL_POLL_REMOVE) reinterpret_cast<Transfer*>(owner)->m_socket = socket;
+  return 0;
+}
+
 int Transfer::OnSeek(void* self, curl_off_t offset, int origin) {
   auto* transfer = static_cast<Transfer*>(self);
   // Only the start can be gone back to, and only while all of it is held: enough for a kept
@@ -206,6 +217,7 @@ void Transfer::TakeHeaderLine(std::string_view line) {
 std::size_t Transfer::TakeBody(const char* data, std::size_t size) {
   m_moved = true;
   m_headIsFinal = true;
+  m_bodyTaken += size;
   if (m_discard) {
     m_discarded += size;
     return m_discarded > kDrainBytes ? 0 : size;
@@ -352,6 +364,7 @@ DWORD Transfer::DriveUntil(Condition condition) {
 
 DWORD Transfer::Start() {
   m_lastMove = Clock::now();
+  curl_multi_setopt(m_handle.Multi(), CURLMOPT_SOCKETFUNCTION, &OnSocket);
   if (!m_handle.Join()) return ERROR_INTERNET_INTERNAL_ERROR;
   return DriveUntil([this] { return m_headIsFinal || (m_streamed && m_bodyBegun); });
 }
@@ -414,7 +427,13 @@ DWORD Transfer::Read(char* buffer, std::size_t size, std::size_t* read) {
     m_receivedBegin = 0;
   }
   DWORD error = ERROR_SUCCESS;
-  if (count < size) {
+  if (count < size && m_isPlainDownload && !m_direct) TakeOverSocket();
+  if (count < size && m_direct) {
+    std::size_t more = 0;
+    if (m_error == ERROR_SUCCESS) m_error = m_direct->Read(buffer + count, size - count, &more);
+    error = m_error;
+    count += more;
+  } else if (count < size) {
     m_target = buffer + count;
     m_targetRoom = size - count;
     m_lastMove = Clock::now();
@@ -426,6 +445,24 @@ DWORD Transfer::Read(char* buffer, std::size_t size, std::size_t* read) {
   }
   *read = count;
   return count != 0 ? ERROR_SUCCESS : error;
+}
+
+void Transfer::TakeOverSocket() {
+  if (m_done || !m_receivePaused || m_socket == CURL_SOCKET_BAD) return;
+  // Asked once: what comes later is less.
+  m_isPlainDownload = false;
+  curl_off_t length = -1;
+  curl_off_t read = 0;
+  curl_easy_getinfo(m_easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+  curl_easy_getinfo(m_easy, CURLINFO_SIZE_DOWNLOAD_T, &read);
+  const std::string* coding = m_head.headers.Find("Transfer-Encoding");
+  // Only if libcurl holds nothing back: then the socket's next byte is the body's next byte.
+  if (coding != nullptr || length < 0 || static_cast<std::uint64_t>(read) != m_bodyTaken ||
+      static_cast<std::uint64_t>(length) < m_bodyTaken) {
+    return;
+  }
+  const std::uint64_t left = static_cast<std::uint64_t>(length) - m_bodyTaken;
+  if (left >= DirectBody::kShortest) m_direct.emplace(m_socket, left, m_deadlines.silence);
 }
 
 void Transfer::Drain() { DiscardRest(kDrainPatience); }

@@ -17,6 +17,7 @@
 #include "platform/posix/wininet/certificate_check.h"
 #include "platform/posix/wininet/connection_pool.h"
 #include "platform/posix/wininet/deadlines.h"
+#include "platform/posix/wininet/direct_body.h"
 #include "platform/posix/wininet/header_block.h"
 #include "platform/posix/wininet/proxy.h"
 
@@ -96,6 +97,7 @@ class Transfer {
   static std::size_t OnHeader(char* data, std::size_t size, std::size_t count, void* self);
   static std::size_t OnBody(char* data, std::size_t size, std::size_t count, void* self);
   static std::size_t OnUpload(char* buffer, std::size_t size, std::size_t count, void* self);
+  static int OnSocket(CURL* easy, curl_socket_t socket, int what, void*, void*);
   static int OnSeek(void* self, curl_off_t offset, int origin);
 
   void SetOptions(const TransferPlan& plan);
@@ -114,6 +116,8 @@ class Transfer {
   bool HasStoppedSending() const { return m_headIsFinal && m_head.status >= 300; }
   bool IsGatheredSent() const { return m_gatheredBegin == m_gathered.size(); }
   void DropSent();
+  /// Goes on without libcurl if the rest of the body is long and comes as plain bytes.
+  void TakeOverSocket();
   void DiscardRest(std::chrono::milliseconds patience);
   void Pause();
   void ResumeReceiving();
@@ -137,6 +141,10 @@ class Transfer {
   bool m_headBlockComplete = false;  // the block may still be one of a login's steps
   bool m_headIsFinal = false;
   bool m_negotiates = false;  // a head may be a step of a login or of a tunnel, not yet the answer
+  bool m_isPlainDownload = false;  // nothing to send, no TLS up to the peer
+  std::uint64_t m_bodyTaken = 0;   // handed over by libcurl
+  curl_socket_t m_socket = CURL_SOCKET_BAD;
+  std::optional<DirectBody> m_direct;
   std::vector<char> m_received;
   std::size_t m_receivedBegin = 0;
   bool m_receivePaused = false;

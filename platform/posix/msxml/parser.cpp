@@ -89,6 +89,11 @@ void Refuse(xmlParserCtxt* parser, LONG code, std::string_view reason) {
   xmlStopParser(parser);
 }
 
+void CheckNames(xmlParserCtxt* parser) {
+  if (xmlDictSize(parser->dict) > kMaxNames)
+    Refuse(parser, kSyntaxError, "Too many different names.");
+}
+
 void OnError(void* context, xmlError* error) {
   // The text of a namespace's name is nobody's business: it need not be a URI that libxml2 approves
   // of.
@@ -153,6 +158,7 @@ void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, c
   if (parser->nsNr / 2 > kMaxNamespacesInScope) {
     Refuse(parser, kSyntaxError, "Too many namespace declarations are in force.");
   }
+  CheckNames(parser);
 }
 
 void OnEndElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
@@ -192,7 +198,13 @@ void OnNode(void* context, Make make) {
 }
 
 void OnSection(void* context, const xmlChar* text, int size) {
-  OnNode(context, [&] { xmlSAX2CDataBlock(context, text, size); });
+  // libxml2's own operation would join neighbouring sections.
+  OnNode(context, [&] {
+    auto* parser = static_cast<xmlParserCtxt*>(context);
+    xmlNode* const section = xmlNewCDataBlock(parser->myDoc, text, size);
+    if (section == nullptr) throw std::bad_alloc();
+    LinkNode(parser->node, section, nullptr);
+  });
 }
 
 void OnComment(void* context, const xmlChar* text) {
@@ -201,6 +213,7 @@ void OnComment(void* context, const xmlChar* text) {
 
 void OnInstruction(void* context, const xmlChar* target, const xmlChar* data) {
   OnNode(context, [&] { xmlSAX2ProcessingInstruction(context, target, data); });
+  CheckNames(static_cast<xmlParserCtxt*>(context));
 }
 
 ParserOwner MakeParser(const Utf8Text& text, State& state) {

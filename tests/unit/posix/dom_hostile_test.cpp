@@ -73,12 +73,12 @@ TEST_F(DomHostileTest, ManySiblingsAreReadInTurn) {
 }
 
 TEST_F(DomHostileTest, AttributesOfOneTagAreLimited) {
-  ASSERT_TRUE(Load(WithAttributes(4096)));
+  ASSERT_TRUE(Load(WithAttributes(2048)));
   LONG length = 0;
   ASSERT_EQ(Attributes(Element())->get_length(&length), S_OK);
-  EXPECT_EQ(length, 4096);
-  EXPECT_EQ(Text(Attribute(Element(), u"a4095")), "1");
-  EXPECT_FALSE(Load(WithAttributes(4097)));
+  EXPECT_EQ(length, 2048);
+  EXPECT_EQ(Text(Attribute(Element(), u"a2047")), "1");
+  EXPECT_FALSE(Load(WithAttributes(2049)));
   EXPECT_FALSE(Load(WithAttributes(1'000'000)));
 }
 
@@ -104,6 +104,21 @@ TEST_F(DomHostileTest, DeclarationsInForceAreLimited) {
   };
   EXPECT_TRUE(Load(nested(128, 8)));
   EXPECT_FALSE(Load(nested(128, 9)));
+}
+
+TEST_F(DomHostileTest, DifferentNamesAreLimited) {
+  const auto named = [](int count, std::string_view before, std::string_view after) {
+    std::string xml = "<r>";
+    for (int i = 0; i < count; ++i)
+      xml += std::string(before) + std::to_string(i) + std::string(after);
+    return xml + "</r>";
+  };
+  EXPECT_TRUE(Load(named(50'000, "<a", "/>")));
+  EXPECT_FALSE(Load(named(1'000'000, "<a", "/>")));
+  EXPECT_FALSE(Load(named(1'000'000, "<a xmlns='u", "'/>")));
+  EXPECT_FALSE(Load(named(1'000'000, "<?a", "?>")));
+  // Values are no names.
+  EXPECT_TRUE(Load(named(200'000, "<a b='", "'/>")));
 }
 
 TEST_F(DomHostileTest, ManyTextsBetweenSections) {

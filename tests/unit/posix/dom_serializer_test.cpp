@@ -20,6 +20,7 @@ TEST_F(DomTest, XmlOfWhatWasRead) {
       {"<a>&lt;&gt;&amp;\"'</a>", "<a>&lt;&gt;&amp;\"'</a>"},
       {"<a>x&#13;y</a>", "<a>x&#xD;y</a>"},
       {"<a><![CDATA[<b>]]></a>", "<a><![CDATA[<b>]]></a>"},
+      {"<a><![CDATA[b]]><![CDATA[c]]></a>", "<a><![CDATA[b]]><![CDATA[c]]></a>"},
       {"<a><!--c--><?p q?><?r?></a>", "<a><!--c--><?p q?><?r?></a>"},
       {"<a xmlns='u'><b/><c xmlns=''/></a>", "<a xmlns=\"u\"><b/><c xmlns=\"\"/></a>"},
       {"<p:a xmlns:p='u' p:b='1'><p:c/></p:a>", "<p:a xmlns:p=\"u\" p:b=\"1\"><p:c/></p:a>"},

@@ -190,6 +190,7 @@ void ReadToEnd(WinInet& inet, HINTERNET request, unsigned expected) {
 
 void RunCurl(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), {"curl", "-q", "-sS", "--noproxy", "*"});
+  std::fflush(stdout);  // else the child has the text too
   const pid_t child = fork();
   if (child == 0) {
     std::vector<char*> pointers;

@@ -1,4 +1,5 @@
-/* Included in front of the generated proxies: rpcrt4 exports these, and mingw's headers do not declare them for C. */
+/* Included in front of the generated proxies: rpcrt4 exports these, and mingw's headers do not
+ * declare them for C. */
 #pragma once
 
 #include <objbase.h>

@@ -17,8 +17,9 @@ ULONG& ByteLength(BSTR text) { return *(reinterpret_cast<ULONG*>(text) - 1); }
 /// `bytes` null leaves the text unset but for its terminator.
 BSTR Allocate(const void* bytes, std::size_t size) {
   if (size > kMaxBytes) return nullptr;
-  // Three bytes behind an odd size: the rest of the last unit and a whole terminator. Not calloc: the C library serves
-  // it past its per-thread cache, which shows where texts come and go by the thousand.
+  // Three bytes behind an odd size: the rest of the last unit and a whole terminator. Not calloc:
+  // the C library serves it past its per-thread cache, which shows where texts come and go by the
+  // thousand.
   constexpr std::size_t kTail = 3;
   auto* block = static_cast<char*>(std::malloc(kPrefix + size + kTail));
   if (block == nullptr) return nullptr;

@@ -51,7 +51,8 @@ class WinInetTls : public testing::Test {
   void TearDown() override { wininet::ConnectionPool::ForgetThread(); }
 
   StandIn& Server() { return *m_server; }
-  /// What the server shows from the next handshake on; no kept connection remembers the former certificate.
+  /// What the server shows from the next handshake on; no kept connection remembers the former
+  /// certificate.
   void Show(const char* certificate) {
     Server().SetCertificate(certificate);
     wininet::ConnectionPool::ForgetThread();

@@ -1,7 +1,5 @@
 #include "connection/wininet_connection.h"
 
-#include <memory>
-
 #include "connection/escape_url.h"
 #include "connection/schemes.h"
 #include "connection/text_to_integer.h"
@@ -63,17 +61,17 @@ WideString CWinInetConnection::GetHeaders() { return m_headers; }
 WideString CWinInetConnection::GetBody() { return m_body; }
 
 bool CWinInetConnection::ReadResponse() {
-  const auto buffer = std::make_unique_for_overwrite<char[]>(kReadSize + 1);
+  char buffer[kReadSize + 1];
   m_response.clear();
   DWORD count = 0;
   do {
-    if (!CurrentPort<WinInet>().InternetReadFile(m_hRequest, buffer.get(), kReadSize, &count)) {
+    if (!CurrentPort<WinInet>().InternetReadFile(m_hRequest, buffer, kReadSize, &count)) {
       return false;
     }
     // Answers are text: what stands behind a NUL in a chunk is dropped, and the next chunk counts
     // again. An append by length would hand NULs to readers that take the text for null-ended.
     buffer[count] = 0;
-    m_response.append(buffer.get());
+    m_response.append(buffer);
   } while (count != 0);
   return true;
 }

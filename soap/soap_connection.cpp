@@ -52,10 +52,10 @@ HRESULT CSoapConnection::Exchange(const CSoapEnvelope& envelope,
   const WideString body = GetNodeXml(envelope.Document());
   // A single line feed between the two, and no quotes round the action: that is what servers have
   // always been sent.
-  const WideString headers =
-      WideString(OLESTR("Content-Type: text/xml; charset=utf-8\nSOAPAction: "))
-          .append(envelope.Namespace())
-          .append(envelope.MethodName());
+  const WideView beginning = OLESTR("Content-Type: text/xml; charset=utf-8\nSOAPAction: ");
+  WideString headers;
+  headers.reserve(beginning.size() + envelope.Namespace().size() + envelope.MethodName().size());
+  headers.append(beginning).append(envelope.Namespace()).append(envelope.MethodName());
   HRESULT result = Open(headers.c_str(), body.c_str());
   if (FAILED(result)) return result;
   result = SendWithRetry();

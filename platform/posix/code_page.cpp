@@ -197,14 +197,17 @@ char16_t AnsiToWide(unsigned char byte) {
 
 /// False: the page has no such character.
 bool WideToAnsi(char16_t unit, char* byte) {
+  if (unit < 0x80) {
+    *byte = static_cast<char>(unit);
+    return true;
+  }
   const auto* mapped = std::find(kUpperControls.begin(), kUpperControls.end(), unit);
-  if (unit != 0 && mapped != kUpperControls.end()) {
+  if (mapped != kUpperControls.end()) {
     *byte = static_cast<char>(0x80 + (mapped - kUpperControls.begin()));
     return true;
   }
   *byte = static_cast<char>(unit);
-  return unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF) ||
-         (unit < 0xA0 && kUpperControls[unit - 0x80U] == 0);
+  return unit <= 0xFF && (unit >= 0xA0 || kUpperControls[unit - 0x80U] == 0);
 }
 
 Outcome Windows1252ToWide(const char* bytes, std::size_t size, Sink<char16_t>& sink) {

@@ -1,5 +1,7 @@
 #include "platform/posix/msxml/selection.h"
 
+#include <algorithm>
+#include <iterator>
 #include <new>
 
 #include "platform/posix/msxml/node_name.h"
@@ -16,23 +18,19 @@ bool ReadValue(std::string_view raw, std::string& value) {
   static constexpr Entity entities[] = {
       {"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}, {"&apos;", '\''}};
   value.clear();
-  while (!raw.empty()) {
-    if (raw.front() == '<') return false;
-    std::size_t size = 1;
-    char character = raw.front();
-    if (character == '&') {
-      size = 0;
-      for (const Entity& entity : entities) {
-        if (!raw.starts_with(entity.name)) continue;
-        size = entity.name.size();
-        character = entity.character;
-      }
-      if (size == 0) return false;
-    }
-    value += character;
-    raw.remove_prefix(size);
+  if (raw.find('<') != std::string_view::npos) return false;
+  while (true) {
+    const std::size_t ampersand = raw.find('&');
+    value += raw.substr(0, ampersand);
+    if (ampersand == std::string_view::npos) return true;
+    raw.remove_prefix(ampersand);
+    const Entity* const entity =
+        std::find_if(std::begin(entities), std::end(entities),
+                     [raw](const Entity& known) { return raw.starts_with(known.name); });
+    if (entity == std::end(entities)) return false;
+    value += entity->character;
+    raw.remove_prefix(entity->name.size());
   }
-  return true;
 }
 
 void SkipBlanks(std::string_view& text) {

@@ -1,5 +1,6 @@
 #include "platform/posix/msxml/serializer.h"
 
+#include <array>
 #include <list>
 #include <string_view>
 #include <utility>
@@ -12,43 +13,54 @@ namespace {
 
 using std::string_view;
 
-void AppendEscaped(std::string& out, string_view text, string_view special) {
-  std::size_t begin = 0;
-  for (std::size_t at = text.find_first_of(special); at != string_view::npos;
-       at = text.find_first_of(special, begin)) {
-    out += text.substr(begin, at - begin);
-    switch (text[at]) {
-      case '&':
-        out += "&amp;";
-        break;
-      case '<':
-        out += "&lt;";
-        break;
-      case '>':
-        out += "&gt;";
-        break;
-      case '"':
-        out += "&quot;";
-        break;
-      case '\t':
-        out += "&#x9;";
-        break;
-      case '\n':
-        out += "&#xA;";
-        break;
-      default:
-        out += "&#xD;";
-        break;
-    }
-    begin = at + 1;
+/// Which characters are written as references, by character: in text, and in an attribute's value.
+enum Special : unsigned char { kInText = 1, kInValue = 2 };
+
+constexpr std::array<unsigned char, 256> MakeSpecials() {
+  std::array<unsigned char, 256> specials{};
+  // A parser turns a raw carriage return into a line feed, and in an attribute every white space
+  // into a blank.
+  for (const char c : string_view("&<>\r")) specials[static_cast<unsigned char>(c)] |= kInText;
+  for (const char c : string_view("&<>\"\t\n\r")) {
+    specials[static_cast<unsigned char>(c)] |= kInValue;
   }
-  out += text.substr(begin);
+  return specials;
+}
+constexpr std::array<unsigned char, 256> kSpecials = MakeSpecials();
+
+string_view Reference(char character) {
+  switch (character) {
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    case '"':
+      return "&quot;";
+    case '\t':
+      return "&#x9;";
+    case '\n':
+      return "&#xA;";
+    default:
+      return "&#xD;";
+  }
 }
 
-// A parser turns a raw carriage return into a line feed, and in an attribute every white space into
-// a blank.
-void AppendText(std::string& out, string_view text) { AppendEscaped(out, text, "&<>\r"); }
-void AppendValue(std::string& out, string_view text) { AppendEscaped(out, text, "&<>\"\t\n\r"); }
+void AppendEscaped(std::string& out, string_view text, Special special) {
+  const char* begin = text.data();
+  const char* const end = begin + text.size();
+  for (const char* at = begin; at != end; ++at) {
+    if ((kSpecials[static_cast<unsigned char>(*at)] & special) == 0) continue;
+    out.append(begin, at);
+    out += Reference(*at);
+    begin = at + 1;
+  }
+  out.append(begin, end);
+}
+
+void AppendText(std::string& out, string_view text) { AppendEscaped(out, text, kInText); }
+void AppendValue(std::string& out, string_view text) { AppendEscaped(out, text, kInValue); }
 
 /// A section cannot hold its own end: it is cut in two there.
 void AppendSection(std::string& out, string_view text) {
@@ -81,7 +93,9 @@ class Serializer {
   explicit Serializer(std::string& out) : m_out(out) {}
 
   void Write(xmlNode* root) {
+    m_root = root;
     m_endsLines = root->type == XML_DOCUMENT_NODE;
+    m_out.reserve(kUsualSize);
     xmlNode* node = root;
     while (true) {
       const bool isOpen = Begin(node);
@@ -179,7 +193,7 @@ class Serializer {
       if (declared->prefix != nullptr && View(declared->href).empty()) continue;
       Declare(element, View(declared->prefix), View(declared->href));
     }
-    if (UriOf(prefix) != uri) Declare(element, prefix, uri);
+    if (!IsInParentsNamespace(element) && UriOf(prefix) != uri) Declare(element, prefix, uri);
     for (const xmlAttr* attribute = element->properties; attribute != nullptr;
          attribute = attribute->next) {
       WriteAttribute(element, attribute);
@@ -190,6 +204,12 @@ class Serializer {
       m_out += "/>";
       LeaveScope(element);
     }
+  }
+
+  /// True if the parent's tag, which is written, has seen to this element's namespace as well.
+  bool IsInParentsNamespace(const xmlNode* element) const {
+    return element != m_root && element->nsDef == nullptr &&
+           element->parent->type == XML_ELEMENT_NODE && element->parent->ns == element->ns;
   }
 
   void WriteAttribute(const xmlNode* element, const xmlAttr* attribute) {
@@ -251,7 +271,10 @@ class Serializer {
     return {};
   }
 
+  static constexpr std::size_t kUsualSize = 512;
+
   std::string& m_out;
+  const xmlNode* m_root = nullptr;
   bool m_endsLines = false;
   std::vector<Binding> m_scope;
   std::list<std::string> m_made;

@@ -14,6 +14,18 @@ constexpr std::size_t kBlock = 16;
 bool IsHigh(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
 bool IsLow(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
 
+/// Of kBlock units.
+bool IsAsciiWithoutZero(const char16_t* text) {
+  constexpr std::uint64_t kOnes = 0x0001000100010001;
+  std::uint64_t words[kBlock * sizeof(char16_t) / sizeof(std::uint64_t)];
+  std::memcpy(words, text, sizeof words);
+  std::uint64_t all = 0;
+  // A unit's top bit comes up with a borrow: from a zero, or next to one.
+  for (const std::uint64_t word : words)
+    all |= (word & 0xFF80 * kOnes) | ((word - kOnes) & 0x8000 * kOnes);
+  return all == 0;
+}
+
 /// Writes the UTF-8 of `text` up to its first zero unit, and returns its end; null at an unpaired
 /// surrogate if `strict`. The caller has made room: three bytes a unit are always enough.
 char* Write(std::u16string_view text, char* out, bool strict) {
@@ -22,13 +34,7 @@ char* Write(std::u16string_view text, char* out, bool strict) {
   const auto put = [&out](unsigned byte) { *out++ = static_cast<char>(byte); };
   while (in != end) {
     while (static_cast<std::size_t>(end - in) >= kBlock) {
-      unsigned all = 0;
-      bool hasZero = false;
-      for (std::size_t i = 0; i < kBlock; ++i) {
-        all |= in[i];
-        hasZero |= in[i] == 0;
-      }
-      if (all >= 0x80 || hasZero) break;
+      if (!IsAsciiWithoutZero(in)) break;
       for (std::size_t i = 0; i < kBlock; ++i) out[i] = static_cast<char>(in[i]);
       in += kBlock;
       out += kBlock;

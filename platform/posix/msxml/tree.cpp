@@ -117,9 +117,7 @@ void Tree::SetSelectionNamespaces(const SelectionNamespaces* namespaces) {
 
 xmlXPathContext* Tree::XPathContext() {
   if (m_xpath) return m_xpath.get();
-  XPathContextOwner context(xmlXPathNewContext(Doc()));
-  if (!context) throw std::bad_alloc();
-  context->error = [](void*, xmlError*) {};
+  XPathContextLease context = LeaseXPathContext(Doc());
   if (m_selectionNamespaces != nullptr) {
     for (const auto& [prefix, uri] : *m_selectionNamespaces) {
       // XPath 1.0 has no default namespace: names without a prefix stay in none.

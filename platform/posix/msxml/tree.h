@@ -15,6 +15,7 @@
 
 #include "platform/posix/msxml/msxml.h"
 #include "platform/posix/msxml/xml_owners.h"
+#include "platform/posix/msxml/xpath_context.h"
 
 namespace velandoc::dom {
 
@@ -81,7 +82,7 @@ class Tree {
   std::unordered_set<xmlNode*> m_orphans;
   xmlNs* m_keptNamespaces = nullptr;
   const SelectionNamespaces* m_selectionNamespaces = nullptr;
-  XPathContextOwner m_xpath;
+  XPathContextLease m_xpath;
 };
 
 /// One use of a tree.

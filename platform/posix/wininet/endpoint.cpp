@@ -54,6 +54,14 @@ std::string WithoutDotSegments(std::string_view path) {
 std::string Convert(UINT codePage, WideView text) {
   if (text.empty()) return {};
   // Three bytes a unit is the most that UTF-8 needs.
+  constexpr std::size_t kShort = 256;
+  if (text.size() <= kShort) {
+    char buffer[3 * kShort];
+    const int count = SystemPort<CodePage>().WideCharToMultiByte(
+        codePage, 0, text.data(), static_cast<int>(text.size()), buffer, sizeof buffer, nullptr,
+        nullptr);
+    return std::string(buffer, static_cast<std::size_t>(count));
+  }
   std::string bytes(text.size() * 3, '\0');
   const int count = SystemPort<CodePage>().WideCharToMultiByte(
       codePage, 0, text.data(), static_cast<int>(text.size()), bytes.data(),
@@ -87,7 +95,10 @@ std::string HostHeader(const Endpoint& endpoint) {
 }
 
 std::string Origin(const Endpoint& endpoint) {
-  std::string origin(endpoint.secure ? "https://" : "http://");
+  constexpr std::size_t kSchemeAndPort = 16;
+  std::string origin;
+  origin.reserve(kSchemeAndPort + endpoint.host.size());
+  origin = endpoint.secure ? "https://" : "http://";
   return origin.append(endpoint.host).append(":").append(std::to_string(endpoint.port));
 }
 

@@ -48,6 +48,7 @@ std::shared_ptr<HandleObject> HandleTable::Find(HINTERNET handle) {
 
 bool HandleTable::Close(HINTERNET handle) {
   // Objects die behind the lock: a request that closes drains its connection first.
+  std::shared_ptr<HandleObject> lone;
   std::vector<std::shared_ptr<HandleObject>> dying;
   Table& table = TheTable();
   {
@@ -57,6 +58,11 @@ bool HandleTable::Close(HINTERNET handle) {
     if (const auto parent = table.objects.find(found->second->m_parent);
         parent != table.objects.end()) {
       std::erase(parent->second->m_children, handle);
+    }
+    if (found->second->m_children.empty()) {
+      lone = std::move(found->second);
+      table.objects.erase(found);
+      return true;
     }
     std::vector<HINTERNET> closing = {handle};
     while (!closing.empty()) {

@@ -89,7 +89,7 @@ DWORD Request::Prepare(std::string_view headers, BodyKind kind, std::uint64_t le
     m_headers.Replace("Connection", "Keep-Alive");
   }
   m_hop.bodyKind = kind;
-  m_hop.headers = m_headers;
+  m_sentHeaders = m_headers;
   RecallLogins();
   return ERROR_SUCCESS;
 }
@@ -102,25 +102,24 @@ void Request::RecallLogins() {
 }
 
 DWORD Request::Exchange() {
-  TransferPlan plan;
-  plan.server = m_hop.server;
-  plan.path = m_hop.path;
-  plan.target = m_hop.path;
+  std::string wholeUrl;
   if (m_hop.proxy && m_hop.proxy->TakesWholeUrl(m_hop.server)) {
-    plan.target.insert(0, Origin(m_hop.server));
+    wholeUrl = Origin(m_hop.server).append(m_hop.path);
   }
-  plan.verb = m_hop.verb;
-  for (const HeaderLine& line : m_hop.headers.Lines()) {
-    plan.headerLines.push_back(line.name + ": " + line.value);
-  }
-  plan.bodyKind = m_hop.bodyKind;
-  plan.body = m_body;
-  plan.bodyLength = m_bodyLength;
-  plan.proxy = m_hop.proxy;
-  if (m_hop.serverCredential) plan.serverLogin = m_hop.serverCredential->login;
-  if (m_hop.proxyCredential) plan.proxyLogin = m_hop.proxyCredential->login;
-  plan.ignoreFlags = m_securityFlags;
-  m_sentHeaders = m_hop.headers;
+  const TransferPlan plan = {
+      .server = m_hop.server,
+      .target = wholeUrl.empty() ? m_hop.path : wholeUrl,
+      .path = m_hop.path,
+      .verb = m_hop.verb,
+      .headers = m_sentHeaders,
+      .bodyKind = m_hop.bodyKind,
+      .body = m_body,
+      .bodyLength = m_bodyLength,
+      .proxy = m_hop.proxy ? &*m_hop.proxy : nullptr,
+      .serverLogin = m_hop.serverCredential ? &m_hop.serverCredential->login : nullptr,
+      .proxyLogin = m_hop.proxyCredential ? &m_hop.proxyCredential->login : nullptr,
+      .ignoreFlags = m_securityFlags,
+  };
   m_transfer.reset();
   m_transfer = std::make_unique<Transfer>(plan);
   return m_transfer->Start();
@@ -165,7 +164,7 @@ Request::Redirect Request::PrepareRedirect() {
   m_hop.server = std::move(server);
   m_hop.path = std::move(path);
   // The order on the wire after a redirect is WinINet's: Host behind the caller's headers.
-  HeaderBlock& headers = m_hop.headers;
+  HeaderBlock& headers = m_sentHeaders;
   const std::string* length = headers.Find("Content-Length");
   const std::string lengthText = length != nullptr && keepsBody ? *length : std::string();
   headers.Remove("Content-Length");

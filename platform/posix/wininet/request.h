@@ -60,7 +60,6 @@ class Request final : public HandleObject {
     std::string path;
     std::string verb;
     BodyKind bodyKind = BodyKind::kNone;
-    HeaderBlock headers;
     std::optional<Proxy> proxy;
     std::optional<Credential> serverCredential;
     std::optional<Credential> proxyCredential;
@@ -87,7 +86,7 @@ class Request final : public HandleObject {
   DWORD m_flags;
   DWORD m_securityFlags;
   HeaderBlock m_headers;
-  HeaderBlock m_sentHeaders;
+  HeaderBlock m_sentHeaders;  // the hop's
   std::string m_body;
   std::optional<std::uint64_t> m_bodyLength;
   Hop m_hop;

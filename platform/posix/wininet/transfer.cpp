@@ -14,15 +14,12 @@ namespace {
 constexpr long kPieceBytes = 64 * 1024;
 // What is worth reading away to keep a connection. A longer rest costs more than a new connection.
 constexpr std::size_t kDrainBytes = 256 * 1024;
+constexpr std::size_t kShortAnswerBytes = 16 * 1024;
 constexpr std::chrono::milliseconds kDrainPatience{1000};
 constexpr std::chrono::milliseconds kLongestPoll{1000};
 
 bool HasHeader(const TransferPlan& plan, std::string_view name) {
-  return std::any_of(plan.headerLines.begin(), plan.headerLines.end(),
-                     [name](const std::string& line) {
-                       return line.size() > name.size() && line[name.size()] == ':' &&
-                              EqualNoCase(std::string_view(line).substr(0, name.size()), name);
-                     });
+  return plan.headers.Find(name) != nullptr;
 }
 
 }  // namespace
@@ -135,13 +132,13 @@ void Transfer::SetHeaders(const TransferPlan& plan) {
       m_headerList.Append("Proxy-Connection:");
     }
   }
-  for (const std::string& line : plan.headerLines) {
+  std::string text;
+  for (const HeaderLine& line : plan.headers.Lines()) {
     // "Name;" is libcurl's way to write a header with no value.
-    if (line.ends_with(": ")) {
-      m_headerList.Append((line.substr(0, line.size() - 2) + ";").c_str());
-    } else {
-      m_headerList.Append(line.c_str());
-    }
+    text = line.name;
+    text += line.value.empty() ? ";" : ": ";
+    text += line.value;
+    m_headerList.Append(text.c_str());
   }
   curl_easy_setopt(m_easy, CURLOPT_HTTPHEADER, m_headerList.Get());
 }
@@ -231,8 +228,8 @@ std::size_t Transfer::TakeBody(const char* data, std::size_t size) {
   if (direct < size) {
     m_received.insert(m_received.end(), data + direct, data + size);
     // The rest of the piece that libcurl read is still handed over; it takes no further piece until
-    // resumed.
-    if (!m_receivePaused) {
+    // resumed. A short answer is taken whole, though: a pause costs more than its bytes.
+    if (!m_receivePaused && m_received.size() > kShortAnswerBytes) {
       m_receivePaused = true;
       Pause();
     }

@@ -1,8 +1,9 @@
 // One request and its answer over libcurl, driven by the calling thread: pushed body, pulled
 // answer.
 //
-// At most kBufferedBytes of either direction are held; a body of any length passes through. Nothing
-// runs between two calls, so a slow caller slows the peer and no thread is needed.
+// Of a request's body at most kBufferedBytes are held, and of an answer's little more than one
+// piece that libcurl read; a body of any length passes through. Nothing runs between two calls, so
+// a slow caller slows the peer and no thread is needed.
 #pragma once
 
 #include <curl/curl.h>
@@ -32,18 +33,19 @@ struct Login {
 
 enum class BodyKind { kNone, kMemory, kStreamed };
 
+/// Read while a transfer is made, and not kept but for the body.
 struct TransferPlan {
-  Endpoint server;
-  std::string target;  // the request line's, also the absolute form for a proxy
-  std::string path;    // the same without an origin
-  std::string verb;
-  std::vector<std::string> headerLines;  // in their order on the wire; "Name: value"
+  const Endpoint& server;
+  const std::string& target;  // the request line's, also the absolute form for a proxy
+  const std::string& path;    // the same without an origin
+  const std::string& verb;
+  const HeaderBlock& headers;  // in their order on the wire
   BodyKind bodyKind = BodyKind::kNone;
   std::string_view body;                    // kMemory; must live as long as the transfer
   std::optional<std::uint64_t> bodyLength;  // kStreamed; none: chunked
-  std::optional<Proxy> proxy;
-  std::optional<Login> serverLogin;
-  std::optional<Login> proxyLogin;
+  const Proxy* proxy = nullptr;             // null: none
+  const Login* serverLogin = nullptr;       // likewise
+  const Login* proxyLogin = nullptr;
   DWORD ignoreFlags = 0;
 };
 

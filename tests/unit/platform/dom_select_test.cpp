@@ -14,7 +14,8 @@ HRESULT SetNamespacesResult(const DocumentPtr& document, WideView text) {
   return document->setProperty(Bstr(OLESTR("SelectionNamespaces")).Get(), Variant(text).Get());
 }
 
-HRESULT SelectOne(const NodePtr& node, WideView query) {
+template <class Node>
+HRESULT SelectOne(const ComPtr<Node>& node, WideView query) {
   NodePtr found;
   const HRESULT result = node->selectSingleNode(Bstr(query).Get(), found.Receive());
   EXPECT_EQ(static_cast<bool>(found), result == S_OK);
@@ -47,6 +48,33 @@ TEST_F(DomTest, NewNamespacesDropTheOldPrefixes) {
   SetNamespaces(OLESTR("xmlns:two='urn:resp'"));
   EXPECT_TRUE(Find(OLESTR("//two:Field")));
   EXPECT_EQ(SelectOne(Root(), OLESTR("//one:Field")), E_FAIL);
+}
+
+TEST_F(DomTest, ADocumentsNamespacesAreItsOwn) {
+  // One document after the other, and while the first is still there.
+  for (const bool isFirstKept : {false, true}) {
+    DocumentPtr first = NewDocument();
+    ASSERT_TRUE(Load(first, Wide(kAnswer)));
+    ASSERT_EQ(SetNamespacesResult(first, OLESTR("xmlns:one='urn:resp'")), S_OK);
+    ASSERT_EQ(SelectOne(first, OLESTR("//one:Field")), S_OK);
+    if (!isFirstKept) first.Reset();
+
+    const DocumentPtr second = NewDocument();
+    ASSERT_TRUE(Load(second, Wide(kAnswer)));
+    EXPECT_EQ(SelectOne(second, OLESTR("//one:Field")), E_FAIL);
+    ASSERT_EQ(SetNamespacesResult(second, OLESTR("xmlns:one='urn:soap'")), S_OK);
+    EXPECT_EQ(SelectOne(second, OLESTR("//one:Field")), S_FALSE);
+    EXPECT_EQ(SelectOne(second, OLESTR("//one:Body")), S_OK);
+  }
+}
+
+TEST_F(DomTest, AFailedQuerySpoilsNoOther) {
+  for (int i = 0; i < 3; ++i) {
+    const DocumentPtr document = NewDocument();
+    ASSERT_TRUE(Load(document, Wide(kAnswer)));
+    EXPECT_EQ(SelectOne(document, OLESTR("//Field[")), E_FAIL);
+    EXPECT_EQ(SelectOne(document, OLESTR("//*[local-name()='Field']")), S_OK);
+  }
 }
 
 TEST_F(DomTest, BadNamespacesFail) {

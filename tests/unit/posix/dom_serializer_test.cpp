@@ -24,6 +24,8 @@ TEST_F(DomTest, XmlOfWhatWasRead) {
       {"<a><!--c--><?p q?><?r?></a>", "<a><!--c--><?p q?><?r?></a>"},
       {"<a xmlns='u'><b/><c xmlns=''/></a>", "<a xmlns=\"u\"><b/><c xmlns=\"\"/></a>"},
       {"<p:a xmlns:p='u' p:b='1'><p:c/></p:a>", "<p:a xmlns:p=\"u\" p:b=\"1\"><p:c/></p:a>"},
+      {"<p:a xmlns:p='u'><p:b xmlns:p='v'><p:c/></p:b><p:d/></p:a>",
+       "<p:a xmlns:p=\"u\"><p:b xmlns:p=\"v\"><p:c/></p:b><p:d/></p:a>"},
       {"<a xml:lang='en'/>", "<a xml:lang=\"en\"/>"},
       {"<a> <b/> </a>", "<a><b/></a>"},
   };
@@ -32,6 +34,11 @@ TEST_F(DomTest, XmlOfWhatWasRead) {
     EXPECT_EQ(Xml(Element()), each.out);
     EXPECT_EQ(Xml(Root()), std::string(each.out) + "\\x000D\\x000A");
   }
+}
+
+TEST_F(DomTest, XmlOfAPartDeclaresWhatItsParentsDid) {
+  ASSERT_TRUE(Load("<p:a xmlns:p='u'><p:b><p:c/></p:b></p:a>"));
+  EXPECT_EQ(Xml(Find(u"//*[local-name()='b']")), "<p:b xmlns:p=\"u\"><p:c/></p:b>");
 }
 
 TEST_F(DomTest, XmlOfARequest) {

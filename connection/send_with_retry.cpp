@@ -8,8 +8,8 @@
 namespace velandoc {
 namespace {
 
-constexpr int kCredentialAttempts =
-    3;  // for each of 401 and 407; the answer after the last one ends the call
+// For each of 401 and 407; the answer after the last one ends the call.
+constexpr int kCredentialAttempts = 3;
 
 constexpr DWORD kStatusOk = 200;
 constexpr DWORD kStatusUnauthorized = 401;
@@ -48,6 +48,7 @@ HRESULT CWinInetConnection::SendWithRetry() {
     const DWORD error = sent ? ERROR_SUCCESS : platform.GetLastError();
     if (sent) {
       m_statusCode = QueryStatusCode();
+      // The refusal that ends the call shows no dialog, and leaves m_lastError as it stood.
       if (m_statusCode == kStatusUnauthorized && ++unauthorized > kCredentialAttempts) {
         return E_FAIL;
       }

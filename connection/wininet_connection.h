@@ -99,8 +99,9 @@ class CWinInetConnection {
  public:
   WideString m_verb;       // may be assigned after construction
   DWORD m_statusCode = 0;  // of the latest query, 0 before any
-  DWORD m_lastError =
-      0;  // of the latest send that ended the loop; 0 if that one reached the server
+  // Of the latest send that ended the loop; 0 if that one reached the server. One refusal too many
+  // (401, 407) ends a call without touching it.
+  DWORD m_lastError = 0;
 
  protected:
   std::vector<WideString> m_acceptTypes;

@@ -18,8 +18,7 @@ inline constexpr WideView kSoapEnvelopeNamespace =
     OLESTR("http://schemas.xmlsoap.org/soap/envelope/");
 
 /// The lists service of a web: `webUrl` as it stands, and the service's path with its leading "/".
-/// A web URL that ends in
-/// "/" gives a double slash, and servers have always been asked that way.
+/// A web URL that ends in "/" gives a double slash, and servers have always been asked that way.
 WideString AppendListsPath(WideView webUrl);
 
 }  // namespace velandoc

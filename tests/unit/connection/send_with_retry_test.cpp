@@ -110,6 +110,18 @@ TEST_F(SendWithRetry, TheFourth407EndsWithoutADialog) {
   EXPECT_EQ(Dialogs().size(), 3U);
 }
 
+// The last refusal ends the call before the error is written down: whoever reads it sees what an
+// earlier exchange left.
+TEST_F(SendWithRetry, TheFourthRefusalLeavesTheErrorAsItStood) {
+  for (const OLECHAR* status : {OLESTR("401"), OLESTR("407")}) {
+    m_connection.m_lastError = 12029;
+    m_platform.answers.assign(4, Status(status));
+    m_platform.dialogResults = {kForceRetry, kForceRetry, kForceRetry};
+    EXPECT_EQ(Run(), E_FAIL);
+    EXPECT_EQ(m_connection.m_lastError, 12029U);
+  }
+}
+
 TEST_F(SendWithRetry, ProxyAndServerAreCountedApart) {
   for (int attempt = 0; attempt < 3; ++attempt) {
     m_platform.answers.push_back(Status(OLESTR("407")));

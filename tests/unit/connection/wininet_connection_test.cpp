@@ -445,6 +445,36 @@ TEST_F(WinInetConnection, AsksItsVirtualOperations) {
   EXPECT_EQ(m_platform.bodies[0], "from the protocol");
 }
 
+// What sends the request again asks the protocol's own loop, and the base's loop the protocol's own
+// send.
+class SendingProtocol : public Connection {
+ public:
+  SendingProtocol() : Connection(OLESTR("http://h/a"), OLESTR("GET"), true) {}
+  BOOL SendRequest() override {
+    ++sends;
+    return Connection::SendRequest();
+  }
+  HRESULT SendWithRetry() override {
+    ++loops;
+    return Connection::SendWithRetry();
+  }
+  int sends = 0;
+  int loops = 0;
+};
+
+TEST_F(WinInetConnection, SendsByItsVirtualOperations) {
+  m_platform.answers = {Answer{}};
+  SendingProtocol connection;
+  ASSERT_EQ(connection.Open(nullptr, nullptr), S_OK);
+  m_platform.failing = {"HttpOpenRequestW"};
+  EXPECT_EQ(connection.Resend(), E_FAIL);
+  EXPECT_EQ(connection.loops, 0) << "nothing to send";
+  m_platform.failing.clear();
+  EXPECT_EQ(connection.Resend(), S_OK);
+  EXPECT_EQ(connection.loops, 1);
+  EXPECT_EQ(connection.sends, 1);
+}
+
 TEST(InlineWideString, HoldsAUsualTextInside) {
   InlineWideString text;
   EXPECT_EQ(text.View(), OLESTR(""));

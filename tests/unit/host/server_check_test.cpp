@@ -5,12 +5,16 @@
 #include <gtest/gtest.h>
 
 #include "host/exports.h"
+#include "platform/mfc/module_state.h"
 #include "platform/owners.h"
+#include "tests/support/scripted_wininet.h"
 
 namespace velandoc {
 namespace {
 
-class ServerCheckTest : public testing::Test {
+using testing::ScriptedWinInet;
+
+class ServerCheckTest : public ::testing::Test {
  protected:
   ServerCheckTest() {
     CoInitialize(nullptr);
@@ -32,6 +36,39 @@ TEST_F(ServerCheckTest, AHostNameWithoutASchemeIsNoServer) {
     EXPECT_EQ(check->Check(Bstr(text).Get(), &isServer), S_OK);
     EXPECT_EQ(isServer, VARIANT_FALSE);
   }
+}
+
+// Notes the module state of whoever asks the platform.
+class StateWatcher final : public ScriptedWinInet {
+ public:
+  HWND GetActiveWindow() override {
+    state = AfxGetModuleState();
+    return ScriptedWinInet::GetActiveWindow();
+  }
+  AFX_MODULE_STATE* state = nullptr;
+};
+
+TEST_F(ServerCheckTest, AServerIsToldWithinTheModuleState) {
+  StateWatcher platform;
+  platform.answers = {{.chunks = {"<GetListCollectionResult "
+                                  "xmlns='http://schemas.microsoft.com/sharepoint/soap/'/>"}}};
+  const PortScope<WinInet> scope(platform);
+  AFX_MODULE_STATE* const outside = AfxGetModuleState();
+  ASSERT_NE(outside, AfxGetStaticModuleState());
+  VARIANT_BOOL isServer = 7;
+  EXPECT_EQ(check->Check(Bstr(OLESTR("http://h:81/a")).Get(), &isServer), S_OK);
+  EXPECT_EQ(isServer, VARIANT_TRUE);
+  EXPECT_EQ(platform.state, AfxGetStaticModuleState());
+  EXPECT_EQ(AfxGetModuleState(), outside);
+}
+
+TEST_F(ServerCheckTest, AFailingServerIsAnAnswerToo) {
+  ScriptedWinInet platform;
+  platform.answers = {{.error = 12029}};
+  const PortScope<WinInet> scope(platform);
+  VARIANT_BOOL isServer = 7;
+  EXPECT_EQ(check->Check(Bstr(OLESTR("http://h/")).Get(), &isServer), S_OK);
+  EXPECT_EQ(isServer, VARIANT_FALSE);
 }
 
 TEST_F(ServerCheckTest, ANullTextIsAnEmptyOne) {

@@ -149,6 +149,26 @@ TEST_F(SoapConnection, AFaultIsNotRead) {
   EXPECT_TRUE(m_platform.CallsOf("InternetReadFile").empty());
 }
 
+class ProcessingConnection : public CSoapConnection {
+ public:
+  using CSoapConnection::CSoapConnection;
+  void ProcessResponse() override { processed.push_back(GetResponseText()); }
+  std::vector<NarrowString> processed;
+};
+
+TEST_F(SoapConnection, AnAnswerIsProcessedOnceItIsReadWhole) {
+  ProcessingConnection whole(OLESTR("http://h/a"));
+  m_platform.answers = {Answer{.chunks = {"<a>", "</a>"}}};
+  EXPECT_EQ(whole.Call(CSoapEnvelope(OLESTR("M")), m_response), S_OK);
+  EXPECT_THAT(whole.processed, ElementsAre("<a></a>"));
+
+  ProcessingConnection broken(OLESTR("http://h/a"));
+  m_platform.answers = {Answer{.chunks = {"<a>", "</a>"}, .readError = 12030}};
+  m_response.Reset();
+  EXPECT_EQ(broken.Call(CSoapEnvelope(OLESTR("M")), m_response), E_FAIL);
+  EXPECT_TRUE(broken.processed.empty());
+}
+
 TEST_F(SoapConnection, AskingForCredentialsGoesThroughTheLoop) {
   m_platform.answers = {Answer{.status = OLESTR("401")}, Answer{.chunks = {kAnswer}}};
   m_platform.dialogResults = {12032};

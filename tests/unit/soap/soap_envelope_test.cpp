@@ -169,6 +169,8 @@ const FragmentCase kFragmentCases[] = {
      "Q ( A{urn:a} k=\"v\" ( B{urn:a} ( '1' ) ) )", "children keep their namespace"},
     {OLESTR("<Q><A></A></Q>"), "Q ( A )", "an element with no children"},
     {OLESTR("<Q><!-- c --></Q>"), "Q", "a lone comment is dropped"},
+    {OLESTR("<Q><?i d?></Q>"), "Q", "a lone instruction is dropped"},
+    {OLESTR("<Q><![CDATA[c]]></Q>"), "Q", "a lone section is dropped, its text too"},
 };
 
 TEST_F(SoapEnvelope, XmlParametersHoldACopyOfTheFragment) {
@@ -210,8 +212,13 @@ TEST_F(SoapEnvelope, AFragmentThatDoesNotParseLeavesTheParameterOut) {
   }
 }
 
-TEST_F(SoapEnvelope, TextBesideElementsLeavesTheParameterOut) {
-  EXPECT_EQ(WithXml(OLESTR("<Q>a<B/>c</Q>")), "M{urn:s}");
+// Among several children none is asked for its kind: each is taken for an element.
+TEST_F(SoapEnvelope, WhateverStandsBesideElementsLeavesTheParameterOut) {
+  for (const LPCWSTR fragment :
+       {OLESTR("<Q>a<B/>c</Q>"), OLESTR("<Q><B/>c</Q>"), OLESTR("<Q><B/><!-- c --></Q>"),
+        OLESTR("<Q><![CDATA[c]]><B/></Q>")}) {
+    EXPECT_EQ(WithXml(fragment), "M{urn:s}") << Printable(fragment);
+  }
 }
 
 TEST_F(SoapEnvelope, AnXmlParameterBeforeTheMethodIsLeftOut) {

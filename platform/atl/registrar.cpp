@@ -2,12 +2,15 @@
 
 #include <new>
 
-#include "platform/registry.h"
+#include "platform/registry_key.h"
 #include "platform/resources.h"
 
 namespace {
 
+using velandoc::DeleteKeyTree;
+using velandoc::DeleteKeyWithoutSubKeys;
 using velandoc::KeyRule;
+using velandoc::OpenKey;
 using velandoc::ScriptData;
 using velandoc::ScriptKey;
 using velandoc::ScriptRoot;
@@ -29,57 +32,24 @@ HKEY RootKey(ScriptRoot root) {
   }
 }
 
-/// Owns an open key.
-class Key {
- public:
-  Key() = default;
-  Key(const Key&) = delete;
-  Key& operator=(const Key&) = delete;
-  ~Key() {
-    if (m_key != nullptr) System().RegCloseKey(m_key);
-  }
-
-  LONG Create(HKEY parent, const WideString& name) {
-    return System().RegCreateKeyExW(parent, name.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                                    KEY_READ | KEY_WRITE, nullptr, &m_key, nullptr);
-  }
-  LONG Open(HKEY parent, const WideString& name) {
-    return System().RegOpenKeyExW(parent, name.c_str(), 0, KEY_READ | KEY_WRITE, &m_key);
-  }
-  HKEY Get() const { return m_key; }
-
- private:
-  HKEY m_key = nullptr;
-};
-
-LONG DeleteTree(HKEY parent, const WideString& name) {
-  const LONG error = System().RegDeleteTreeW(parent, name.c_str());
-  return error == Error(ERROR_FILE_NOT_FOUND) ? Error(ERROR_SUCCESS) : error;
-}
-
-LONG SetValue(HKEY key, LPCWSTR name, const ScriptData& data) {
-  if (data.isNumber) {
-    return System().RegSetValueExW(key, name, 0, REG_DWORD,
-                                   reinterpret_cast<const BYTE*>(&data.number), sizeof(DWORD));
-  }
-  const std::size_t size = (data.text.size() + 1) * sizeof(OLECHAR);
-  return System().RegSetValueExW(key, name, 0, REG_SZ,
-                                 reinterpret_cast<const BYTE*>(data.text.c_str()),
-                                 static_cast<DWORD>(size));
+LONG SetValue(const OpenKey& key, LPCWSTR name, const ScriptData& data) {
+  if (!data.isNumber) return key.SetText(name, data.text);
+  return System().RegSetValueExW(key.Get(), name, 0, REG_DWORD,
+                                 reinterpret_cast<const BYTE*>(&data.number), sizeof(DWORD));
 }
 
 LONG RegisterKey(HKEY parent, const ScriptKey& script) {
-  if (script.rule == KeyRule::Delete) return DeleteTree(parent, script.name);
+  if (script.rule == KeyRule::Delete) return DeleteKeyTree(parent, script.name);
   if (script.rule == KeyRule::ForceRemove) {
-    if (const LONG error = DeleteTree(parent, script.name)) return error;
+    if (const LONG error = DeleteKeyTree(parent, script.name)) return error;
   }
-  Key key;
+  OpenKey key;
   if (const LONG error = key.Create(parent, script.name)) return error;
   if (script.defaultValue) {
-    if (const LONG error = SetValue(key.Get(), nullptr, *script.defaultValue)) return error;
+    if (const LONG error = SetValue(key, nullptr, *script.defaultValue)) return error;
   }
   for (const velandoc::ScriptValue& value : script.values) {
-    if (const LONG error = SetValue(key.Get(), value.name.c_str(), value.data)) return error;
+    if (const LONG error = SetValue(key, value.name.c_str(), value.data)) return error;
   }
   for (const ScriptKey& child : script.keys) {
     if (const LONG error = RegisterKey(key.Get(), child)) return error;
@@ -91,7 +61,7 @@ LONG UnregisterKey(HKEY parent, const ScriptKey& script);
 
 /// Takes back what the script made inside its key: named values and subkeys.
 LONG UnregisterContents(HKEY parent, const ScriptKey& script) {
-  Key key;
+  OpenKey key;
   if (const LONG error = key.Open(parent, script.name)) return error;
   for (const velandoc::ScriptValue& value : script.values) {
     const LONG error = System().RegDeleteValueW(key.Get(), value.name.c_str());
@@ -103,28 +73,15 @@ LONG UnregisterContents(HKEY parent, const ScriptKey& script) {
   return Error(ERROR_SUCCESS);
 }
 
-LONG HasSubKeys(HKEY parent, const WideString& name, bool& hasSubKeys) {
-  Key key;
-  if (const LONG error = key.Open(parent, name)) return error;
-  OLECHAR child[velandoc::kMaxKeyName + 1];
-  DWORD length = velandoc::kMaxKeyName + 1;
-  const LONG error =
-      System().RegEnumKeyExW(key.Get(), 0, child, &length, nullptr, nullptr, nullptr, nullptr);
-  hasSubKeys = error != Error(ERROR_NO_MORE_ITEMS);
-  return hasSubKeys ? error : Error(ERROR_SUCCESS);
-}
-
 LONG UnregisterKey(HKEY parent, const ScriptKey& script) {
   if (script.rule == KeyRule::Delete) return Error(ERROR_SUCCESS);
-  if (script.rule == KeyRule::ForceRemove) return DeleteTree(parent, script.name);
+  if (script.rule == KeyRule::ForceRemove) return DeleteKeyTree(parent, script.name);
   const LONG error = UnregisterContents(parent, script);
   if (error == Error(ERROR_FILE_NOT_FOUND)) return Error(ERROR_SUCCESS);
   if (error != Error(ERROR_SUCCESS) || script.rule == KeyRule::NoRemove) return error;
   // Subkeys that are left are somebody else's, and keep the key: per-user scripts go through plain
   // "Software" and "Classes" keys, which nobody may clear.
-  bool hasSubKeys = false;
-  if (const LONG failed = HasSubKeys(parent, script.name, hasSubKeys)) return failed;
-  return hasSubKeys ? Error(ERROR_SUCCESS) : System().RegDeleteKeyW(parent, script.name.c_str());
+  return DeleteKeyWithoutSubKeys(parent, script.name);
 }
 
 WideString ToLower(WideView text) {

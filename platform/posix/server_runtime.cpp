@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/owners.h"
-#include "platform/registry.h"
+#include "platform/registry_key.h"
 
 namespace velandoc {
 namespace {
@@ -19,8 +19,6 @@ constexpr WideView kAutomationMarshaller = u"{00020424-0000-0000-C000-0000000000
 
 /// The locale is kept and has no effect.
 thread_local LCID t_locale = LOCALE_USER_DEFAULT;
-
-Registry& System() { return CurrentPort<Registry>(); }
 
 WideString GuidText(REFGUID guid) {
   std::array<OLECHAR, 39> text{};
@@ -59,17 +57,9 @@ Names NamesOf(const TypeLibrary& library) {
 }
 
 LONG Set(HKEY root, const Value& value) {
-  HKEY key = nullptr;
-  if (const LONG error =
-          System().RegCreateKeyExW(root, value.key.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                                   KEY_WRITE, nullptr, &key, nullptr)) {
-    return error;
-  }
-  const LONG error = System().RegSetValueExW(
-      key, value.name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value.data.c_str()),
-      static_cast<DWORD>((value.data.size() + 1) * sizeof(OLECHAR)));
-  System().RegCloseKey(key);
-  return error;
+  OpenKey key;
+  if (const LONG error = key.Create(root, value.key)) return error;
+  return key.SetText(value.name.c_str(), value.data);
 }
 
 HRESULT Register(HKEY root, const WideString& prefix, const TypeLibrary& library) try {
@@ -100,38 +90,17 @@ HRESULT Register(HKEY root, const WideString& prefix, const TypeLibrary& library
   return E_OUTOFMEMORY;
 }
 
-bool Delete(HKEY root, const WideString& key) {
-  const LONG error = System().RegDeleteTreeW(root, key.c_str());
-  return error == 0 || error == static_cast<LONG>(ERROR_FILE_NOT_FOUND);
-}
-
-/// Deletes the key if it is there and empty.
-bool DeleteEmpty(HKEY root, const WideString& key) {
-  HKEY opened = nullptr;
-  const LONG missing = System().RegOpenKeyExW(root, key.c_str(), 0, KEY_READ, &opened);
-  if (missing != 0) return missing == static_cast<LONG>(ERROR_FILE_NOT_FOUND);
-  std::array<OLECHAR, 256> child;
-  DWORD length = static_cast<DWORD>(child.size());
-  const LONG last =
-      System().RegEnumKeyExW(opened, 0, child.data(), &length, nullptr, nullptr, nullptr, nullptr);
-  System().RegCloseKey(opened);
-  if (last != static_cast<LONG>(ERROR_NO_MORE_ITEMS)) return last == 0;
-  return System().RegDeleteKeyW(root, key.c_str()) == 0;
-}
-
 HRESULT Unregister(HKEY root, const WideString& prefix, const TypeLibrary& library) try {
   const Names names = NamesOf(library);
-  HKEY version = nullptr;
-  if (System().RegOpenKeyExW(root, (prefix + names.version).c_str(), 0, KEY_READ, &version) != 0) {
-    return kRegistryAccess;
-  }
-  System().RegCloseKey(version);
+  if (OpenKey version; version.Open(root, prefix + names.version) != 0) return kRegistryAccess;
   for (const TypeLibraryInterface& declared : library.interfaces) {
-    if (!Delete(root, prefix + u"Interface\\" + GuidText(*declared.id))) return kRegistryAccess;
+    if (DeleteKeyTree(root, prefix + u"Interface\\" + GuidText(*declared.id)) != 0) {
+      return kRegistryAccess;
+    }
   }
   // Other versions of the library keep its key.
-  const bool deleted =
-      Delete(root, prefix + names.version) && DeleteEmpty(root, prefix + names.library);
+  const bool deleted = DeleteKeyTree(root, prefix + names.version) == 0 &&
+                       DeleteKeyWithoutSubKeys(root, prefix + names.library) == 0;
   return deleted ? S_OK : kRegistryAccess;
 } catch (const std::bad_alloc&) {
   return E_OUTOFMEMORY;

@@ -1,11 +1,11 @@
-// The Registry port on Linux: the functions of the COM runtime, which finds its classes in the same
-// files.
+// The Registry port: the functions of these names, the system's own on Windows, the COM runtime's
+// on Linux, which finds its classes in the same files.
 #include "platform/registry.h"
 
 namespace velandoc {
 namespace {
 
-class FileRegistry final : public Registry {
+class SystemRegistry final : public Registry {
  public:
   LONG RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass, DWORD options,
                        REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* result,
@@ -44,7 +44,7 @@ class FileRegistry final : public Registry {
 
 template <>
 Registry& SystemPort<Registry>() {
-  static FileRegistry registry;
+  static SystemRegistry registry;
   return registry;
 }
 

@@ -1,0 +1,61 @@
+#include "platform/registry_key.h"
+
+#include <array>
+
+namespace velandoc {
+namespace {
+
+constexpr LONG kSuccess = static_cast<LONG>(ERROR_SUCCESS);
+constexpr LONG kNotFound = static_cast<LONG>(ERROR_FILE_NOT_FOUND);
+constexpr LONG kNoMore = static_cast<LONG>(ERROR_NO_MORE_ITEMS);
+
+// Characters of a key's name, which the registry itself bounds, and its terminator.
+constexpr std::size_t kNameRoom = 256;
+
+Registry& System() { return CurrentPort<Registry>(); }
+
+LONG NotFoundIsSuccess(LONG error) { return error == kNotFound ? kSuccess : error; }
+
+/// kNoMore if `name` has no subkeys, kSuccess if it has.
+LONG FindSubKey(HKEY parent, const WideString& name) {
+  OpenKey key;
+  if (const LONG error = key.Open(parent, name)) return error;
+  std::array<OLECHAR, kNameRoom> child;
+  DWORD length = kNameRoom;
+  return System().RegEnumKeyExW(key.Get(), 0, child.data(), &length, nullptr, nullptr, nullptr,
+                                nullptr);
+}
+
+}  // namespace
+
+OpenKey::~OpenKey() {
+  if (m_key != nullptr) System().RegCloseKey(m_key);
+}
+
+LONG OpenKey::Create(HKEY parent, const WideString& name) {
+  return System().RegCreateKeyExW(parent, name.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                  KEY_READ | KEY_WRITE, nullptr, &m_key, nullptr);
+}
+
+LONG OpenKey::Open(HKEY parent, const WideString& name) {
+  return System().RegOpenKeyExW(parent, name.c_str(), 0, KEY_READ | KEY_WRITE, &m_key);
+}
+
+LONG OpenKey::SetText(LPCWSTR name, const WideString& text) const {
+  const std::size_t size = (text.size() + 1) * sizeof(OLECHAR);
+  return System().RegSetValueExW(m_key, name, 0, REG_SZ,
+                                 reinterpret_cast<const BYTE*>(text.c_str()),
+                                 static_cast<DWORD>(size));
+}
+
+LONG DeleteKeyTree(HKEY parent, const WideString& name) {
+  return NotFoundIsSuccess(System().RegDeleteTreeW(parent, name.c_str()));
+}
+
+LONG DeleteKeyWithoutSubKeys(HKEY parent, const WideString& name) {
+  const LONG found = FindSubKey(parent, name);
+  if (found != kNoMore) return NotFoundIsSuccess(found);
+  return System().RegDeleteKeyW(parent, name.c_str());
+}
+
+}  // namespace velandoc

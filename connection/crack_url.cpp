@@ -3,6 +3,7 @@
 #include "connection/schemes.h"
 #include "connection/text_to_integer.h"
 #include "connection/url_components.h"
+#include "platform/ascii_case.h"
 
 namespace velandoc {
 namespace {
@@ -15,15 +16,6 @@ static_assert(UrlComponents::kPathCapacity < kTokenLimit &&
 
 // What may stand behind a ":" in the host part, be it a password or the text of a port.
 constexpr std::size_t kSecondTokenCapacity = 128;
-
-constexpr OLECHAR FoldCase(OLECHAR unit) {
-  return unit >= 'A' && unit <= 'Z' ? static_cast<OLECHAR>(unit + ('a' - 'A')) : unit;
-}
-
-bool EqualFolded(WideView text, WideView lower) {
-  return std::equal(text.begin(), text.end(), lower.begin(), lower.end(),
-                    [](OLECHAR a, OLECHAR b) { return FoldCase(a) == b; });
-}
 
 // One pass over a null-ended URL. Each Read... starts at m_at and leaves m_at on the first
 // character that it did not take.
@@ -59,7 +51,7 @@ class UrlCracker {
     if (!Store(begin, m_at, m_out.schemeName, m_out.schemeNameLength)) return false;
     ++m_at;
     for (std::size_t row = 0; row < kSchemes.size(); ++row) {
-      if (EqualFolded(m_out.SchemeName(), kSchemes[row].name)) {
+      if (EqualsIgnoringAsciiCase(m_out.SchemeName(), kSchemes[row].name)) {
         m_out.schemeIndex = static_cast<std::int32_t>(row);
       }
     }

@@ -1,9 +1,8 @@
 #include "host/exports.h"
 
-#include <iterator>
-
 #include "host/velandoc_app.h"
 #include "host/velandoc_module.h"
+#include "platform/ascii_case.h"
 
 namespace {
 
@@ -11,15 +10,9 @@ using velandoc::Module;
 
 velandoc::ServerRuntime& Runtime() { return velandoc::CurrentPort<velandoc::ServerRuntime>(); }
 
-/// Equal to "user" without regard to case, the end included: five characters are compared.
-bool IsUser(LPCWSTR commandLine) {
-  static constexpr WCHAR kUser[] = OLESTR("user");
-  for (std::size_t i = 0; i < std::size(kUser); ++i) {
-    WCHAR c = commandLine[i];
-    if (c >= 'A' && c <= 'Z') c = static_cast<WCHAR>(c - 'A' + 'a');
-    if (c != kUser[i]) return false;
-  }
-  return true;
+/// The end counts: nothing may follow the word.
+bool IsUser(velandoc::WideView commandLine) {
+  return velandoc::EqualsIgnoringAsciiCase(commandLine, OLESTR("user"));
 }
 
 }  // namespace

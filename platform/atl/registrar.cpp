@@ -1,7 +1,9 @@
 #include "platform/atl/registrar.h"
 
+#include <algorithm>
 #include <new>
 
+#include "platform/ascii_case.h"
 #include "platform/registry_key.h"
 #include "platform/resources.h"
 
@@ -86,9 +88,7 @@ LONG UnregisterKey(HKEY parent, const ScriptKey& script) {
 
 WideString ToLower(WideView text) {
   WideString lower(text);
-  for (OLECHAR& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<OLECHAR>(c - 'A' + 'a');
-  }
+  std::transform(lower.begin(), lower.end(), lower.begin(), velandoc::ToAsciiLower);
   return lower;
 }
 

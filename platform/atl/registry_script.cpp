@@ -4,30 +4,20 @@
 #include <limits>
 #include <utility>
 
+#include "platform/ascii_case.h"
+
 namespace velandoc {
 namespace {
 
 bool IsBlank(OLECHAR c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
-OLECHAR ToLower(OLECHAR c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<OLECHAR>(c - 'A' + 'a') : c;
-}
-
-/// Words of the language are compared without regard to case, as the system's registrar does.
-bool IsWord(WideView text, WideView word) {
-  if (text.size() != word.size()) return false;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (ToLower(text[i]) != ToLower(word[i])) return false;
-  }
-  return true;
-}
-
 struct Token {
   WideString text;
   bool quoted = false;
 
-  /// A quoted word is always a name or a datum: '}' in quotes closes nothing.
-  bool Is(WideView word) const { return !quoted && IsWord(text, word); }
+  /// Words of the language are compared without regard to case, as the system's registrar does. A
+  /// quoted word is always a name or a datum: '}' in quotes closes nothing.
+  bool Is(WideView word) const { return !quoted && EqualsIgnoringAsciiCase(text, word); }
 };
 
 /// Words are parted by blanks alone, so a brace counts only where it stands by itself: a bare
@@ -110,15 +100,15 @@ std::optional<KeyRule> FindRule(const Token& token) {
 /// Decimal, or hexadecimal behind "&H" or "0x".
 std::optional<DWORD> ParseNumber(WideView text) {
   unsigned base = 10;
-  if (text.size() > 2 &&
-      (IsWord(text.substr(0, 2), OLESTR("&H")) || IsWord(text.substr(0, 2), OLESTR("0x")))) {
+  if (text.size() > 2 && (EqualsIgnoringAsciiCase(text.substr(0, 2), OLESTR("&H")) ||
+                          EqualsIgnoringAsciiCase(text.substr(0, 2), OLESTR("0x")))) {
     base = 16;
     text.remove_prefix(2);
   }
   if (text.empty()) return std::nullopt;
   std::uint64_t number = 0;
   for (const OLECHAR c : text) {
-    const OLECHAR lower = ToLower(c);
+    const OLECHAR lower = ToAsciiLower(c);
     unsigned digit = 16;
     if (lower >= '0' && lower <= '9') {
       digit = static_cast<unsigned>(lower - '0');
@@ -268,7 +258,8 @@ WideString ScriptForUser(WideView script) {
   std::size_t start = 0;
   while (start < script.size() && IsBlank(script[start])) ++start;
   const WideView rest = script.substr(start);
-  const bool leads = rest.size() > kRoot.size() && IsWord(rest.substr(0, kRoot.size()), kRoot) &&
+  const bool leads = rest.size() > kRoot.size() &&
+                     EqualsIgnoringAsciiCase(rest.substr(0, kRoot.size()), kRoot) &&
                      IsBlank(rest[kRoot.size()]);
   if (!leads) return WideString(script);
   WideString result = OLESTR("HKCU\r\n{\tSoftware\r\n\t{\r\n\t\tClasses");

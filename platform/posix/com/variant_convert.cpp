@@ -11,6 +11,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/ascii_case.h"
 #include "platform/owners.h"
 #include "platform/posix/com/automation.h"
 #include "platform/posix/com/date_text.h"
@@ -229,19 +230,11 @@ HRESULT NumberToNumber(const VARIANT& source, VARTYPE type, VARIANT& target) {
   return StoreDouble(DoubleOf(source), type, target);
 }
 
-bool EqualsIgnoringCase(WideView text, std::string_view word) {
-  if (text.size() != word.size()) return false;
-  for (std::size_t i = 0; i < word.size(); ++i) {
-    const OLECHAR unit =
-        text[i] >= 'A' && text[i] <= 'Z' ? static_cast<OLECHAR>(text[i] + 32) : text[i];
-    if (unit != static_cast<OLECHAR>(word[i])) return false;
-  }
-  return true;
-}
-
 std::optional<VARIANT_BOOL> TruthOf(WideView text) {
-  if (EqualsIgnoringCase(text, "true") || text == OLESTR("#TRUE#")) return VARIANT_TRUE;
-  if (EqualsIgnoringCase(text, "false") || text == OLESTR("#FALSE#")) return VARIANT_FALSE;
+  if (EqualsIgnoringAsciiCase(text, OLESTR("true")) || text == OLESTR("#TRUE#"))
+    return VARIANT_TRUE;
+  if (EqualsIgnoringAsciiCase(text, OLESTR("false")) || text == OLESTR("#FALSE#"))
+    return VARIANT_FALSE;
   return std::nullopt;
 }
 

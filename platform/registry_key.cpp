@@ -55,7 +55,7 @@ LONG DeleteKeyTree(HKEY parent, const WideString& name) {
 LONG DeleteKeyWithoutSubKeys(HKEY parent, const WideString& name) {
   const LONG found = FindSubKey(parent, name);
   if (found != kNoMore) return NotFoundIsSuccess(found);
-  return System().RegDeleteKeyW(parent, name.c_str());
+  return NotFoundIsSuccess(System().RegDeleteKeyW(parent, name.c_str()));
 }
 
 }  // namespace velandoc

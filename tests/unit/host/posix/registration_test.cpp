@@ -165,6 +165,15 @@ TEST_F(PosixRegistrationTest, TheUsersFileHoldsThemPerUser) {
   EXPECT_EQ(File("user.reg").find("Velandoc"), std::string::npos);
 }
 
+// Below HKEY_CLASSES_ROOT the user's keys show, but what is changed there is the machine's file.
+TEST_F(PosixRegistrationTest, TheMachinesUnregistrationLeavesTheUsersFileAlone) {
+  ASSERT_EQ(DllInstall(TRUE, u"user"), S_OK);
+  AtlSetPerUserRegistration(false);
+  EXPECT_EQ(DllUnregisterServer(), S_OK);
+  EXPECT_EQ(File("user.reg"), Expected("HKEY_CURRENT_USER"));
+  EXPECT_EQ(File("machine.reg").find("Velandoc"), std::string::npos);
+}
+
 TEST_F(PosixRegistrationTest, ALibraryThatIsNotRegisteredCannotBeUnregistered) {
   EXPECT_EQ(DllUnregisterServer(), MakeResult(0x8002801C));  // TYPE_E_REGISTRYACCESS
 }

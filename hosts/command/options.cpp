@@ -65,8 +65,7 @@ ParsedOptions ParseOptions(std::vector<std::string> arguments) {
     std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
     app.parse(std::move(arguments));
   } catch (const CLI::CallForHelp&) {
-    const auto chosen = app.get_subcommands();
-    return TellText((chosen.empty() ? &app : chosen.front())->help());
+    return TellText(app.help());  // of the subcommand, if one stands before it
   } catch (const CLI::CallForVersion& version) {
     return TellText(std::string(version.what()) + "\n");
   } catch (const CLI::ParseError& error) {

@@ -170,7 +170,7 @@ class Usage(support.Case):
             self.assertIn(word, done.stdout.decode())
         done = self.run_program(support.command, "probe", "--help")
         self.assertEqual((done.returncode, done.stderr), (0, b""))
-        self.assertIn("URL", done.stdout.decode())
+        self.assertIn("Usage: velandoc probe [OPTIONS] URL...", done.stdout.decode())
 
 
 class Registration(support.Case):

@@ -10,6 +10,7 @@
 #include "host/velandoc_module.h"
 #include "platform/module_path.h"
 #include "platform/owners.h"
+#include "platform/registry_key.h"
 #include "velandoc_idl.h"
 
 namespace velandoc {
@@ -172,6 +173,12 @@ TEST_F(PosixRegistrationTest, TheMachinesUnregistrationLeavesTheUsersFileAlone) 
   EXPECT_EQ(DllUnregisterServer(), S_OK);
   EXPECT_EQ(File("user.reg"), Expected("HKEY_CURRENT_USER"));
   EXPECT_EQ(File("machine.reg").find("Velandoc"), std::string::npos);
+
+  // A key that is missing in the machine's file does not keep its siblings there.
+  OpenKey key;
+  ASSERT_EQ(key.Create(HKEY_LOCAL_MACHINE, u"Software\\Classes\\Velandoc.ServerCheck\\CurVer"), 0);
+  EXPECT_EQ(DllUnregisterServer(), S_OK);
+  EXPECT_EQ(File("machine.reg").find("CurVer"), std::string::npos);
 }
 
 TEST_F(PosixRegistrationTest, ALibraryThatIsNotRegisteredCannotBeUnregistered) {

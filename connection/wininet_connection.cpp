@@ -94,7 +94,8 @@ HRESULT CWinInetConnection::Open(LPCWSTR headers, LPCWSTR body) {
     m_hSession = platform.InternetOpenW(kAgent, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr,
                                         m_sessionFlags);
     if (m_hSession == nullptr) return E_FAIL;
-    // A null connection is not tested for: the platform refuses it in OpenRequest.
+    // A null connection is not tested for: the platform refuses it in OpenRequest. Whoever calls
+    // Open again then gets a new session too, and the former one stays open.
     m_hConnect = platform.InternetConnectW(m_hSession, GetHostName().c_str(), GetPort(), nullptr,
                                            nullptr, INTERNET_SERVICE_HTTP, INTERNET_FLAG_NO_UI, 0);
   }

@@ -3,8 +3,8 @@
 #include "platform/owners.h"
 #include "platform/posix/msxml/attribute_set.h"
 #include "platform/posix/msxml/child_cursor.h"
+#include "platform/posix/msxml/counted.h"
 #include "platform/posix/msxml/guard.h"
-#include "platform/posix/msxml/undispatched.h"
 
 namespace velandoc::dom {
 namespace {
@@ -15,27 +15,10 @@ struct Attributes {
   xmlNode* Next(xmlNode* attribute) const { return NextAttribute(element, attribute); }
 };
 
-class NamedNodeMap final : public Undispatched<IXMLDOMNamedNodeMap> {
+class NamedNodeMap final : public Counted<IXMLDOMNamedNodeMap, IID_IXMLDOMNamedNodeMap> {
  public:
   NamedNodeMap(Tree& tree, xmlNode* element, IXMLDOMNode* object)
       : m_use(tree), m_object(object), m_element(element), m_cursor(tree, {element}) {}
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (riid != IID_IUnknown && riid != IID_IDispatch && riid != IID_IXMLDOMNamedNodeMap) {
-      return E_NOINTERFACE;
-    }
-    *object = static_cast<IXMLDOMNamedNodeMap*>(this);
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --m_references;
-    if (left == 0) delete this;
-    return left;
-  }
 
   HRESULT STDMETHODCALLTYPE getNamedItem(BSTR name, IXMLDOMNode** item) override {
     return GiveItem(item, [&] { return Find(name); });
@@ -110,7 +93,6 @@ class NamedNodeMap final : public Undispatched<IXMLDOMNamedNodeMap> {
     });
   }
 
-  ULONG m_references = 1;
   TreeUse m_use;
   ComPtr<IXMLDOMNode> m_object;
   xmlNode* m_element;

@@ -2,9 +2,9 @@
 
 #include "platform/owners.h"
 #include "platform/posix/msxml/child_cursor.h"
+#include "platform/posix/msxml/counted.h"
 #include "platform/posix/msxml/guard.h"
 #include "platform/posix/msxml/node_name.h"
-#include "platform/posix/msxml/undispatched.h"
 
 namespace velandoc::dom {
 namespace {
@@ -16,25 +16,8 @@ struct Children {
 };
 
 /// The parts of a list that do not depend on where its items come from.
-class NodeList : public Undispatched<IXMLDOMNodeList> {
+class NodeList : public Counted<IXMLDOMNodeList, IID_IXMLDOMNodeList> {
  public:
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (riid != IID_IUnknown && riid != IID_IDispatch && riid != IID_IXMLDOMNodeList) {
-      return E_NOINTERFACE;
-    }
-    *object = static_cast<IXMLDOMNodeList*>(this);
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --m_references;
-    if (left == 0) delete this;
-    return left;
-  }
-
   HRESULT STDMETHODCALLTYPE get_item(LONG index, IXMLDOMNode** item) override {
     if (item == nullptr) return E_INVALIDARG;
     return GiveNode(m_use.Get(), Item(index), item);
@@ -56,14 +39,12 @@ class NodeList : public Undispatched<IXMLDOMNodeList> {
 
  protected:
   explicit NodeList(Tree& tree) : m_use(tree) {}
-  virtual ~NodeList() = default;
   virtual xmlNode* Item(LONG index) = 0;
   virtual LONG Length() = 0;
 
   TreeUse m_use;
 
  private:
-  ULONG m_references = 1;
   LONG m_next = 0;
 };
 

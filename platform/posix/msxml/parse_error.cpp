@@ -1,31 +1,14 @@
 #include "platform/posix/msxml/parse_error.h"
 
+#include "platform/posix/msxml/counted.h"
 #include "platform/posix/msxml/guard.h"
-#include "platform/posix/msxml/undispatched.h"
 
 namespace velandoc::dom {
 namespace {
 
-class ParseError final : public Undispatched<IXMLDOMParseError> {
+class ParseError final : public Counted<IXMLDOMParseError, IID_IXMLDOMParseError> {
  public:
   explicit ParseError(const ParseFailure& failure) : m_failure(failure) {}
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (riid != IID_IUnknown && riid != IID_IDispatch && riid != IID_IXMLDOMParseError) {
-      return E_NOINTERFACE;
-    }
-    *object = static_cast<IXMLDOMParseError*>(this);
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --m_references;
-    if (left == 0) delete this;
-    return left;
-  }
 
   HRESULT STDMETHODCALLTYPE get_errorCode(LONG* code) override {
     const HRESULT result = Give(code, m_failure.code);
@@ -47,7 +30,6 @@ class ParseError final : public Undispatched<IXMLDOMParseError> {
  private:
   ~ParseError() = default;
 
-  ULONG m_references = 1;
   const ParseFailure m_failure;
 };
 

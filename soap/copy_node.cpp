@@ -1,6 +1,6 @@
 #include "soap/copy_node.h"
 
-#include "soap/dom.h"
+#include "platform/dom.h"
 
 namespace velandoc {
 namespace {

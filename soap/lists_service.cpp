@@ -1,8 +1,8 @@
 #include "soap/lists_service.h"
 
 #include "connection/url_components.h"
-#include "soap/dom.h"
-#include "soap/out_of_memory.h"
+#include "platform/dom.h"
+#include "platform/out_of_memory.h"
 #include "soap/soap_connection.h"
 #include "soap/soap_namespaces.h"
 

@@ -1,7 +1,7 @@
 #include "soap/soap_connection.h"
 
-#include "soap/dom.h"
-#include "soap/out_of_memory.h"
+#include "platform/dom.h"
+#include "platform/out_of_memory.h"
 #include "soap/soap_namespaces.h"
 
 namespace velandoc {

@@ -1,8 +1,8 @@
 #include "soap/soap_envelope.h"
 
 #include "soap/copy_node.h"
-#include "soap/dom.h"
-#include "soap/out_of_memory.h"
+#include "platform/dom.h"
+#include "platform/out_of_memory.h"
 #include "soap/soap_namespaces.h"
 
 namespace velandoc {

@@ -216,8 +216,9 @@ def wine_prefix(lane):
 
 # --- the lanes --------------------------------------------------------------------------------------------------------
 
-CORE_FOLDERS = ("platform", "connection", "soap", "document", "host", "hosts", "standin", "tests", "bench", "fuzz",
-                "samples")
+# From the bottom to the top: a folder includes what stands before it.
+LAYERS = ("platform", "connection", "fields", "soap", "frontpage", "document", "host", "hosts")
+CORE_FOLDERS = (*LAYERS, "standin", "tests", "bench", "fuzz", "samples")
 
 
 def sources(*suffixes):
@@ -236,8 +237,7 @@ def lane_style(lane):
     lane.add("no platform conditionals outside platform/", "failed" if offenders else "passed",
              "\n".join(offenders))
 
-    layers = {name: level for level, name in
-              enumerate(("platform", "connection", "soap", "document", "host", "hosts"))}
+    layers = {name: level for level, name in enumerate(LAYERS)}
     upward = []
     for name in sources(".h", ".cpp"):
         level = layers.get(name.split("/")[0])
@@ -253,7 +253,7 @@ def lane_style(lane):
         lane.add(f"each header compiles alone ({home})", "passed")
 
     units = [entry["file"] for entry in json.loads((NATIVE / "compile_commands.json").read_text())
-             if re.match(rf"{re.escape(str(TOP))}/(platform|connection|soap|document|host|hosts|standin)/",
+             if re.match(rf"{re.escape(str(TOP))}/({'|'.join(LAYERS)}|standin)/",
                          entry["file"])]
     lane.check("clang-tidy", ["xargs", "-a", write_list(lane, sorted(set(units))), "-n", "8", "-P", str(os.cpu_count()),
                               "clang-tidy", "--quiet", "--extra-arg=-Wno-unknown-warning-option", "-p", NATIVE], timeout=1500)

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/code_page.h"
-#include "soap/dom.h"
+#include "platform/dom.h"
 #include "soap/soap_namespaces.h"
 #include "tests/support/dom_tree.h"
 #include "tests/support/fault_code_page.h"

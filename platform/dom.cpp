@@ -1,4 +1,4 @@
-#include "soap/dom.h"
+#include "platform/dom.h"
 
 namespace velandoc {
 namespace {

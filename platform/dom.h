@@ -1,6 +1,6 @@
-// Short forms of the DOM calls that the web-service layer makes. A failing call raises `_com_error`
-// with its result, and a null node `_com_error` with E_POINTER, unless told otherwise. Nodes are
-// borrowed.
+// Short forms of the DOM calls that the readers and writers of XML make. A failing call raises
+// `_com_error` with its result, and a null node `_com_error` with E_POINTER, unless told otherwise.
+// Nodes are borrowed.
 #pragma once
 
 #include "platform/msxml.h"

@@ -1,4 +1,4 @@
-// Strings of the web-service layer that find no memory.
+// Strings that find no memory, for callers that know COM errors only.
 #pragma once
 
 #include <new>

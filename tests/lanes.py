@@ -217,7 +217,7 @@ def wine_prefix(lane):
 # --- the lanes --------------------------------------------------------------------------------------------------------
 
 # From the bottom to the top: a folder includes what stands before it.
-LAYERS = ("platform", "connection", "fields", "soap", "frontpage", "document", "host", "hosts")
+LAYERS = ("platform", "connection", "fields", "soap", "frontpage", "document", "hdfs", "host", "hosts")
 CORE_FOLDERS = (*LAYERS, "standin", "tests", "bench", "fuzz", "samples")
 
 

@@ -33,6 +33,24 @@ bool ReadValue(std::string_view raw, std::string& value) {
   }
 }
 
+void DropMessage(void*, const char*, ...) {}
+
+/// libxml2 writes what it has against some queries, a function with an unbound prefix for one, to
+/// standard error, which is the program's and not ours. The setting is the thread's.
+class SilencedMessages {
+ public:
+  SilencedMessages() : m_handler(xmlGenericError), m_context(xmlGenericErrorContext) {
+    xmlSetGenericErrorFunc(nullptr, DropMessage);
+  }
+  ~SilencedMessages() { xmlSetGenericErrorFunc(m_context, m_handler); }
+  SilencedMessages(const SilencedMessages&) = delete;
+  SilencedMessages& operator=(const SilencedMessages&) = delete;
+
+ private:
+  xmlGenericErrorFunc m_handler;
+  void* m_context;
+};
+
 void SkipBlanks(std::string_view& text) {
   while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
 }
@@ -41,6 +59,7 @@ void SkipBlanks(std::string_view& text) {
 
 HRESULT Select(Tree& tree, xmlNode* context, const std::string& query,
                std::vector<xmlNode*>& found) {
+  const SilencedMessages silenced;
   xmlXPathContext* const xpath = tree.XPathContext();
   const XPathExpressionOwner expression(xmlXPathCtxtCompile(xpath, XmlText(query)));
   if (!expression) return E_FAIL;

@@ -117,6 +117,16 @@ TEST_F(DomTest, WhiteSpaceThatStays) {
   }
 }
 
+TEST_F(DomTest, ARefusedQueryWritesNothingToStandardError) {
+  ASSERT_TRUE(Load("<a/>"));
+  ::testing::internal::CaptureStderr();
+  for (const WideView query : {u"unbound:function()", u"unbound:name", u"//a[", u"no-such()"}) {
+    NodePtr found;
+    EXPECT_EQ(m_document->selectSingleNode(Bstr(query).Get(), found.Receive()), E_FAIL);
+  }
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+}
+
 TEST_F(DomTest, WhatIsLeftOutSaysSo) {
   ASSERT_TRUE(Load("<a/>"));
   VARIANT_BOOL success = VARIANT_TRUE;

@@ -3,9 +3,25 @@
 namespace velandoc {
 namespace {
 
-IXMLDOMNode* Require(IXMLDOMNode* node) {
-  if (node == nullptr) _com_issue_error(E_POINTER);
-  return node;
+template <class Interface>
+Interface* Require(Interface* object) {
+  if (object == nullptr) _com_issue_error(E_POINTER);
+  return object;
+}
+
+template <class Sequence>
+LONG LengthOf(Sequence* sequence) {
+  LONG length = 0;
+  CheckResult(Require(sequence)->get_length(&length));
+  return length;
+}
+
+template <class Sequence>
+ComPtr<IXMLDOMNode> ItemOf(Sequence* sequence, LONG index) {
+  ComPtr<IXMLDOMNode> item;
+  CheckResult(Require(sequence)->get_item(index, item.Receive()));
+  Require(item.Get());
+  return item;
 }
 
 }  // namespace
@@ -80,5 +96,36 @@ ComPtr<IXMLDOMNode> SelectSingleNode(IXMLDOMNode* node, WideView xpath) {
   CheckResult(Require(node)->selectSingleNode(Bstr(xpath).Get(), found.Receive()));
   return found;
 }
+
+ComPtr<IXMLDOMNodeList> SelectNodes(IXMLDOMNode* node, WideView xpath) {
+  ComPtr<IXMLDOMNodeList> found;
+  CheckResult(Require(node)->selectNodes(Bstr(xpath).Get(), found.Receive()));
+  return found;
+}
+
+void SetSelectionNamespaces(IXMLDOMDocument2* document, WideView declarations) {
+  CheckResult(Require(document)->setProperty(Bstr(OLESTR("SelectionNamespaces")).Get(),
+                                             Variant(declarations).Get()));
+}
+
+ComPtr<IXMLDOMNamedNodeMap> GetNodeAttributes(IXMLDOMNode* node) {
+  ComPtr<IXMLDOMNamedNodeMap> attributes;
+  CheckResult(Require(node)->get_attributes(attributes.Receive()));
+  return attributes;
+}
+
+ComPtr<IXMLDOMNode> GetNamedItem(IXMLDOMNamedNodeMap* map, WideView name) {
+  ComPtr<IXMLDOMNode> item;
+  CheckResult(Require(map)->getNamedItem(Bstr(name).Get(), item.Receive()));
+  return item;
+}
+
+LONG GetLength(IXMLDOMNodeList* list) { return LengthOf(list); }
+
+LONG GetLength(IXMLDOMNamedNodeMap* map) { return LengthOf(map); }
+
+ComPtr<IXMLDOMNode> GetItem(IXMLDOMNodeList* list, LONG index) { return ItemOf(list, index); }
+
+ComPtr<IXMLDOMNode> GetItem(IXMLDOMNamedNodeMap* map, LONG index) { return ItemOf(map, index); }
 
 }  // namespace velandoc

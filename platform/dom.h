@@ -31,5 +31,21 @@ void AppendNode(IXMLDOMNode* parent, IXMLDOMNode* child);
 /// The first match of an XPath, whose prefixes are the document's selection namespaces; null if
 /// there is none.
 ComPtr<IXMLDOMNode> SelectSingleNode(IXMLDOMNode* node, WideView xpath);
+/// All matches.
+ComPtr<IXMLDOMNodeList> SelectNodes(IXMLDOMNode* node, WideView xpath);
+/// Binds the prefixes of XPath, in the form of declarations: `xmlns:a='...' xmlns:b='...'`. The
+/// former ones go.
+void SetSelectionNamespaces(IXMLDOMDocument2* document, WideView declarations);
+
+/// Null for a node of a kind that has no attributes.
+ComPtr<IXMLDOMNamedNodeMap> GetNodeAttributes(IXMLDOMNode* node);
+/// Null if there is none of this qualified name.
+ComPtr<IXMLDOMNode> GetNamedItem(IXMLDOMNamedNodeMap* map, WideView name);
+
+LONG GetLength(IXMLDOMNodeList* list);
+LONG GetLength(IXMLDOMNamedNodeMap* map);
+/// Never null: raises E_POINTER for an index at which there is nothing.
+ComPtr<IXMLDOMNode> GetItem(IXMLDOMNodeList* list, LONG index);
+ComPtr<IXMLDOMNode> GetItem(IXMLDOMNamedNodeMap* map, LONG index);
 
 }  // namespace velandoc

@@ -12,6 +12,9 @@ namespace velandoc {
 using WideString = std::basic_string<OLECHAR>;
 using WideView = std::basic_string_view<OLECHAR>;
 
+/// A null-ended text; null stands for empty text.
+inline WideView ViewOf(LPCWSTR text) { return text != nullptr ? WideView(text) : WideView(); }
+
 /// Raw bytes: response bodies, UTF-8, ANSI text.
 using NarrowString = std::string;
 

@@ -19,15 +19,11 @@ WideString TargetNamespace(IXMLDOMNode* source, bool isRoot) {
 
 void CopyAttributes(IXMLDOMDocument2* document, IXMLDOMNode* target, IXMLDOMNode* source,
                     bool isRoot) {
-  ComPtr<IXMLDOMNamedNodeMap> from;
-  CheckResult(source->get_attributes(from.Receive()));
-  ComPtr<IXMLDOMNamedNodeMap> to;
-  CheckResult(target->get_attributes(to.Receive()));
-  LONG count = 0;
-  CheckResult(from->get_length(&count));
+  const auto from = GetNodeAttributes(source);
+  const auto to = GetNodeAttributes(target);
+  const LONG count = GetLength(from.Get());
   for (LONG index = 0; index < count; ++index) {
-    ComPtr<IXMLDOMNode> attribute;
-    CheckResult(from->get_item(index, attribute.Receive()));
+    const ComPtr<IXMLDOMNode> attribute = GetItem(from.Get(), index);
     const ComPtr<IXMLDOMNode> copy =
         CreateDomNode(document, NODE_ATTRIBUTE, GetNodeName(attribute.Get()),
                       TargetNamespace(attribute.Get(), isRoot));
@@ -40,11 +36,9 @@ void CopyAttributes(IXMLDOMDocument2* document, IXMLDOMNode* target, IXMLDOMNode
 void CopyChildren(IXMLDOMNode* target, IXMLDOMNode* source) {
   ComPtr<IXMLDOMNodeList> children;
   CheckResult(source->get_childNodes(children.Receive()));
-  LONG count = 0;
-  CheckResult(children->get_length(&count));
+  const LONG count = GetLength(children.Get());
   for (LONG index = 0; index < count; ++index) {
-    ComPtr<IXMLDOMNode> child;
-    CheckResult(children->get_item(index, child.Receive()));
+    const ComPtr<IXMLDOMNode> child = GetItem(children.Get(), index);
     // Only a lone child is looked at. Among several, a text is taken for an element like the rest,
     // and making an element of the name "#text" fails.
     const DOMNodeType type = count == 1 ? GetNodeType(child.Get()) : NODE_ELEMENT;

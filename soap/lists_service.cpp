@@ -2,7 +2,7 @@
 
 #include "connection/url_components.h"
 #include "platform/dom.h"
-#include "platform/out_of_memory.h"
+#include "soap/read_or.h"
 #include "soap/soap_connection.h"
 #include "soap/soap_namespaces.h"
 
@@ -24,11 +24,7 @@ bool HasListCollection(LPCWSTR url) {
 }  // namespace
 
 bool GetListCollection(LPCWSTR url) {
-  try {
-    return RaiseOutOfMemory([&] { return HasListCollection(url); });
-  } catch (const _com_error&) {
-    return false;
-  }
+  return ReadOr(false, [&] { return HasListCollection(url); });
 }
 
 }  // namespace velandoc

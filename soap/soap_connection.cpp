@@ -23,8 +23,7 @@ HRESULT ParseResponse(const Bstr& text, WideView serviceNamespace,
                                     .append(OLESTR("' xmlns:resp='"))
                                     .append(serviceNamespace)
                                     .append(OLESTR("'"));
-  CheckResult(
-      document->setProperty(Bstr(OLESTR("SelectionNamespaces")).Get(), Variant(namespaces).Get()));
+  SetSelectionNamespaces(document.Get(), namespaces);
   response = std::move(document);
   return S_OK;
 }

@@ -1,14 +1,12 @@
 #include "soap/soap_envelope.h"
 
-#include "soap/copy_node.h"
 #include "platform/dom.h"
 #include "platform/out_of_memory.h"
+#include "soap/copy_node.h"
 #include "soap/soap_namespaces.h"
 
 namespace velandoc {
 namespace {
-
-WideView ViewOf(LPCWSTR text) { return text != nullptr ? WideView(text) : WideView(); }
 
 WideString EmptyEnvelope() {
   return WideString(OLESTR("<soap:Envelope xmlns:soap='"))

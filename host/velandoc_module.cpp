@@ -32,6 +32,7 @@ TypeLibrary CVelandocModule::GetTypeLibrary() {
   // As velandoc.idl has it; a unit test compares the two.
   static constexpr TypeLibraryInterface kInterfaces[] = {
       {&IID_IServerCheck, OLESTR("IServerCheck")},
+      {&IID_IClient, OLESTR("IClient")},
   };
   return {.path = {},
           .id = &LIBID_VelandocLib,

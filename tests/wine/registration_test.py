@@ -16,7 +16,12 @@ import tempfile
 
 APP_ID = "{91509BD2-09D1-4F79-B147-D5EF6C90DB1C}"
 CLASS_ID = "{1D477FCE-048A-4657-BFDF-6DD165043E36}"
-INTERFACE_ID = "{9989FD0D-43C5-4FA7-B6D7-020A323FEF2D}"
+# The interfaces by name, with their methods counted from IUnknown's on. The first one's id is the proxies' class id.
+PROXY_ID = "{9989FD0D-43C5-4FA7-B6D7-020A323FEF2D}"
+INTERFACES = (
+    ("IServerCheck", PROXY_ID, 8),
+    ("IClient", "{3BA03214-9530-4099-99D4-5FD7962D2088}", 30),
+)
 LIBRARY_ID = "{6EF447E8-DEC4-47C3-B65D-7B776C644F1D}"
 AUTOMATION = "{00020424-0000-0000-C000-000000000046}"
 
@@ -128,17 +133,11 @@ def script_keys(root: str, path: str) -> dict[str, dict[str, str]]:
 
 def system_keys(root: str, path: str) -> dict[str, dict[str, str]]:
     """What RegisterTypeLib and NdrDllRegisterProxy write: always the machine's under Wine."""
-    interface = rf"{root}\interface\{INTERFACE_ID}"
     library = rf"{root}\typelib\{LIBRARY_ID}"
     folder = path.rpartition("\\")[0] + "\\"
     keys = {
-        interface: {"@": "IServerCheck"},
-        rf"{interface}\NumMethods": {"@": "8"},
-        rf"{interface}\ProxyStubClsid": {"@": AUTOMATION},
-        rf"{interface}\ProxyStubClsid32": {"@": INTERFACE_ID},
-        rf"{interface}\TypeLib": {"@": LIBRARY_ID, "version": "1.0"},
-        rf"{root}\clsid\{INTERFACE_ID}": {"@": "PSFactoryBuffer"},
-        rf"{root}\clsid\{INTERFACE_ID}\InProcServer32": {"@": path, "threadingmodel": "Both"},
+        rf"{root}\clsid\{PROXY_ID}": {"@": "PSFactoryBuffer"},
+        rf"{root}\clsid\{PROXY_ID}\InProcServer32": {"@": path, "threadingmodel": "Both"},
         library: {},
         rf"{library}\1.0": {"@": "Velandoc 1.0 Type Library"},
         rf"{library}\1.0\409": {},
@@ -146,6 +145,15 @@ def system_keys(root: str, path: str) -> dict[str, dict[str, str]]:
         rf"{library}\1.0\FLAGS": {"@": "8"},
         rf"{library}\1.0\HELPDIR": {"@": folder},
     }
+    for name, identifier, methods in INTERFACES:
+        interface = rf"{root}\interface\{identifier}"
+        keys |= {
+            interface: {"@": name},
+            rf"{interface}\NumMethods": {"@": str(methods)},
+            rf"{interface}\ProxyStubClsid": {"@": AUTOMATION},
+            rf"{interface}\ProxyStubClsid32": {"@": PROXY_ID},
+            rf"{interface}\TypeLib": {"@": LIBRARY_ID, "version": "1.0"},
+        }
     return {key.lower(): {name: quoted(data) for name, data in values.items()}
             for key, values in keys.items()}
 

@@ -7,12 +7,14 @@
 namespace velandoc {
 
 /// Asks the server at the root of `url` for the caller's login ("open service"). True if it
-/// answered, be the login empty; false with `loginOut` as it was if it did not.
+/// answered, be the login empty or the answer no page; false with `loginOut` as it was if it did
+/// not. Raises `_com_error` for a DOM that fails on a page that has loaded, and with E_OUTOFMEMORY.
 bool QueryUserLogin(LPCWSTR url, Bstr& loginOut);
 
-/// Login and display name of the caller; `url` is the server's root. A login that could not be
-/// learnt goes on as an empty one; only a user directory that does not know it gives false, with
-/// both results as they were. Null for what is not wanted. Raises what GetUserInfo raises.
+/// Login and display name of the caller; `url` is the server's root. Only a user directory that
+/// does not know the login gives false, with both results as they were. A login that the server
+/// would not tell goes to the directory as an empty one, and comes back as null. Null for what is
+/// not wanted. Raises what QueryUserLogin and GetUserInfo raise.
 bool GetCurrentUser(LPCWSTR url, Bstr* loginOut, Bstr* nameOut);
 
 }  // namespace velandoc

@@ -86,6 +86,12 @@ ComPtr<IXMLDOMNode> GetFirstChild(IXMLDOMNode* node) {
   return child;
 }
 
+ComPtr<IXMLDOMNode> GetNextSibling(IXMLDOMNode* node) {
+  ComPtr<IXMLDOMNode> sibling;
+  CheckResult(Require(node)->get_nextSibling(sibling.Receive()));
+  return sibling;
+}
+
 void AppendNode(IXMLDOMNode* parent, IXMLDOMNode* child) {
   ComPtr<IXMLDOMNode> appended;
   CheckResult(Require(parent)->appendChild(Require(child), appended.Receive()));

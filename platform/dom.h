@@ -27,6 +27,8 @@ void PutNodeText(IXMLDOMNode* node, WideView text);
 WideString GetNodeXml(IXMLDOMNode* node);
 /// Null if there is none.
 ComPtr<IXMLDOMNode> GetFirstChild(IXMLDOMNode* node);
+/// Null if there is none.
+ComPtr<IXMLDOMNode> GetNextSibling(IXMLDOMNode* node);
 void AppendNode(IXMLDOMNode* parent, IXMLDOMNode* child);
 /// The first match of an XPath, whose prefixes are the document's selection namespaces; null if
 /// there is none.

@@ -102,6 +102,12 @@ class NodeWrapper : public Wrapper<Interface> {
     const HRESULT result = m_below->get_firstChild(real.Receive());
     return WrapNode(result, real, child);
   }
+  HRESULT STDMETHODCALLTYPE get_nextSibling(IXMLDOMNode** sibling) override {
+    FAIL_IF_DUE("get_nextSibling");
+    ComPtr<IXMLDOMNode> real;
+    const HRESULT result = m_below->get_nextSibling(real.Receive());
+    return WrapNode(result, real, sibling);
+  }
   HRESULT STDMETHODCALLTYPE get_attributes(IXMLDOMNamedNodeMap** attributes) override {
     FAIL_IF_DUE("get_attributes");
     ComPtr<IXMLDOMNamedNodeMap> real;
@@ -155,7 +161,6 @@ class NodeWrapper : public Wrapper<Interface> {
   HRESULT STDMETHODCALLTYPE get_parentNode(IXMLDOMNode**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE get_lastChild(IXMLDOMNode**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE get_previousSibling(IXMLDOMNode**) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE get_nextSibling(IXMLDOMNode**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE insertBefore(IXMLDOMNode*, VARIANT, IXMLDOMNode**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE replaceChild(IXMLDOMNode*, IXMLDOMNode*, IXMLDOMNode**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE removeChild(IXMLDOMNode*, IXMLDOMNode**) override { return E_NOTIMPL; }

@@ -8,7 +8,7 @@ namespace velandoc::standin {
 namespace {
 
 constexpr const char* kUsage =
-    "usage: velandoc-standin --certs DIR --log FILE --ready FILE [--max-seconds N]";
+    "usage: velandoc-standin --certs DIR --log FILE --ready FILE [--site FILE] [--max-seconds N]";
 
 }  // namespace
 
@@ -24,6 +24,8 @@ CommandLine ParseCommandLine(int count, const char* const* arguments) {
       line.log = value;
     } else if (name == "--ready") {
       line.ready = value;
+    } else if (name == "--site") {
+      line.site = value;
     } else if (name == "--max-seconds") {
       const auto seconds = ParseNumber<unsigned>(value);
       if (!seconds || *seconds == 0) throw std::invalid_argument(kUsage);

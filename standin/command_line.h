@@ -10,6 +10,8 @@ struct CommandLine {
   std::string certificates;
   std::string log;
   std::string ready;
+  // A file; empty for the sample that is built in.
+  std::string site;
   std::chrono::seconds longestRun{3600};
 };
 

@@ -5,6 +5,9 @@
 #include <csignal>
 #include <nlohmann/json.hpp>
 
+#include "standin/json_fields.h"
+#include "standin/site_json.h"
+#include "standin/site_time.h"
 #include "standin/text.h"
 
 namespace velandoc::standin {
@@ -26,6 +29,9 @@ Response ControlPages::Answer(const Request& request) {
   try {
     if (path == "/behaviour") return Behaviour(request);
     if (path == "/log") return Log(request);
+    if (path == "/site") return SiteState(request);
+    if (path == "/caller" && method == "PUT") return SetCaller(request);
+    if (path == "/clock" && method == "PUT") return SetClock(request);
     if (path == "/stats" && method == "GET") return Stats();
     if (path == "/certificate" && method == "PUT") return SetCertificate(request);
     if (path == "/recording" && method == "PUT") return SetRecording(request);
@@ -69,6 +75,42 @@ Response ControlPages::Log(const Request& request) {
     since = *number;
   }
   return TextAnswer(200, "application/json", m_services.log.Read(since));
+}
+
+Response ControlPages::SiteState(const Request& request) {
+  if (request.method == "GET")
+    return TextAnswer(200, "application/json", m_services.sites.With(FormatSite));
+  if (request.method == "DELETE") {
+    m_services.sites.Reset();
+  } else if (request.method == "PUT") {
+    m_services.sites.Replace(ParseSite(request.body));
+  } else {
+    throw std::invalid_argument("site takes GET, PUT and DELETE");
+  }
+  return Done();
+}
+
+// The user is told in the answer, as the site knows him.
+Response ControlPages::SetCaller(const Request& request) {
+  const json value = json::parse(request.body);
+  CheckKeys(value, "caller", {"login"});
+  const std::string login = value.at("login").get<std::string>();
+  return m_services.sites.With([&login](Site& site) {
+    const User* user = site.FindUser(login);
+    if (!user && !login.empty()) throw std::invalid_argument("there is no user " + login);
+    site.caller = user ? user->login : std::string();
+    return Json(200, {{"ok", true}, {"login", site.caller}});
+  });
+}
+
+Response ControlPages::SetClock(const Request& request) {
+  const json value = json::parse(request.body);
+  CheckKeys(value, "clock", {"time"});
+  const auto text = Optional<std::string>(value, "time");
+  const auto time = text ? ParseTime(*text) : std::nullopt;
+  if (text && !time) throw std::invalid_argument("a time looks like 2009-07-04T10:11:12Z");
+  m_services.sites.With([&time](Site& site) { site.clock = time; });
+  return Done();
 }
 
 Response ControlPages::Stats() const {

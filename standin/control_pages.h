@@ -1,4 +1,4 @@
-// What the control port offers: rules, the log, counts, certificates, the end.
+// What the control port offers: rules, the log, the site, counts, certificates, the end.
 #pragma once
 
 #include "standin/application.h"
@@ -17,6 +17,9 @@ class ControlPages final : public Application {
  private:
   Response Behaviour(const Request& request);
   Response Log(const Request& request);
+  Response SiteState(const Request& request);
+  Response SetCaller(const Request& request);
+  Response SetClock(const Request& request);
   Response Stats() const;
   Response SetCertificate(const Request& request);
   Response SetRecording(const Request& request);

@@ -1,17 +1,13 @@
-// The web service of a SharePoint site that tells about its lists.
+// The web service of the site's libraries: their columns and rows, and checking documents out.
 #pragma once
 
-#include "standin/application.h"
+#include "standin/soap_service.h"
 
 namespace velandoc::standin {
 
-// Serves every path that ends in /_vti_bin/lists.asmx, on any host, with any number of slashes in
-// front. Strict about SOAPAction (no quotes), Content-Type and the envelope: what a lenient server
-// forgives would otherwise never be found.
-class ListsService final : public Application {
+class ListsService final : public SoapService {
  public:
-  bool Serves(const Request& request) const override;
-  Response Answer(const Request& request) override;
+  explicit ListsService(SiteStore& sites);
 };
 
 }  // namespace velandoc::standin

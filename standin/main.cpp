@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <exception>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 
@@ -14,7 +15,12 @@
 #include "standin/control_pages.h"
 #include "standin/lists_service.h"
 #include "standin/measuring_pages.h"
+#include "standin/rpc_service.h"
+#include "standin/sample_site.h"
 #include "standin/server.h"
+#include "standin/site_json.h"
+#include "standin/user_group_service.h"
+#include "standin/webs_service.h"
 
 namespace velandoc::standin {
 namespace {
@@ -47,12 +53,30 @@ void WaitForEnd(const sigset_t& signals, std::chrono::seconds longest) {
   }
 }
 
+// The sample where no file is named.
+Site LoadSite(const std::string& path) {
+  if (path.empty()) return ParseSite(kSampleSite);
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream text;
+  text << file.rdbuf();
+  if (!file || !text) throw std::runtime_error(path + ": cannot be read");
+  try {
+    return ParseSite(text.str());
+  } catch (const std::exception& error) {
+    throw std::runtime_error(path + ": " + error.what());
+  }
+}
+
 void Run(const CommandLine& line) {
   const sigset_t signals = BlockEndingSignals();
   xmlInitParser();
 
   ApplicationList applications;
-  applications.Add(std::make_unique<ListsService>());
+  SiteStore sites(LoadSite(line.site));
+  applications.Add(std::make_unique<ListsService>(sites));
+  applications.Add(std::make_unique<WebsService>(sites));
+  applications.Add(std::make_unique<UserGroupService>(sites));
+  applications.Add(std::make_unique<RpcService>(sites));
   applications.Add(std::make_unique<MeasuringPages>());
 
   Certificates certificates(line.certificates);
@@ -62,7 +86,8 @@ void Run(const CommandLine& line) {
   Statistics statistics;
   StopSignal stop;
   ApplicationList controlPages;
-  Services services{applications, controlPages, certificates, tls, log, rules, statistics, stop};
+  Services services{applications, controlPages, certificates, tls, log,
+                    rules,        sites,        statistics,   stop};
   controlPages.Add(std::make_unique<ControlPages>(services));
 
   Server server(services);

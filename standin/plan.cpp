@@ -10,6 +10,7 @@ Plan MakePlan(RuleBook& rules, const Request& request, ConnectionAuth& connectio
     if (actions.auth) {
       plan.response = CheckCredentials(request, *actions.auth, connection);
       if (plan.response) return plan;
+      if (!actions.auth->isProxy) plan.user = actions.auth->user;
     }
     plan.delay += actions.delay;
     plan.interimStatuses.insert(plan.interimStatuses.end(), actions.interimStatuses.begin(),

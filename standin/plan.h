@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "standin/authentication.h"
@@ -20,6 +21,8 @@ struct Plan {
   // Nothing of this and of the two above: the application answers.
   std::optional<Response> response;
   bool isEarly = false;
+  // Whose credentials were right; empty where none were demanded.
+  std::string user;
 };
 
 // Goes through the rules in order up to the first that says the answer, credentials that are wrong

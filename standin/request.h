@@ -44,6 +44,12 @@ struct Request {
   // The host name of the tunnel that this request came through.
   std::string connectHost;
 
+  // What is called, if this is a call: the operation of a web service or the method of FrontPage
+  // RPC, without its version. The latter is known once the body is.
+  std::string operation;
+  // Whose credentials a rule demanded and got; empty without one.
+  std::string user;
+
   // The first header of that name, in any case; null when there is none.
   const std::string* Find(std::string_view name) const;
   // True if a header of that name lists `token`.

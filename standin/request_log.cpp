@@ -58,6 +58,7 @@ std::string FormatLine(const Request& request, std::uint64_t number) {
   AppendField(json, "method", request.method);
   AppendField(json, "target", request.target);
   AppendField(json, "host", request.host);
+  if (!request.operation.empty()) AppendField(json, "operation", request.operation);
   AppendField(json, "head", request.head);
   if (request.bodyLength <= kLargestLoggedBody) AppendField(json, "body", request.body);
   json += ",\"body_length\":" + std::to_string(request.bodyLength);

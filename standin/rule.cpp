@@ -9,6 +9,7 @@ bool RuleMatch::Fits(const Request& request) const {
   if (path && !request.pathAndQuery.starts_with(*path)) return false;
   if (method && *method != request.method) return false;
   if (tls && *tls != request.tls) return false;
+  if (operation && *operation != request.operation) return false;
   return !headContains || request.head.find(*headContains) != std::string::npos;
 }
 

@@ -31,6 +31,8 @@ struct RuleMatch {
   std::optional<bool> tls;
   // Stands somewhere in the head.
   std::optional<std::string> headContains;
+  // Whole, in the same case; see Request::operation.
+  std::optional<std::string> operation;
 
   bool Fits(const Request& request) const;
 };

@@ -1,5 +1,7 @@
 #include "standin/rule_book.h"
 
+#include <algorithm>
+
 namespace velandoc::standin {
 
 bool RuleBook::Entry::Count() {
@@ -36,6 +38,12 @@ std::shared_ptr<const Rule> RuleBook::Next(const Request& request, std::size_t& 
     if (entry.Count()) return entry.rule;
   }
   return nullptr;
+}
+
+bool RuleBook::AsksForOperations() const {
+  const std::lock_guard lock(m_mutex);
+  return std::any_of(m_entries.begin(), m_entries.end(),
+                     [](const Entry& entry) { return entry.rule->match.operation.has_value(); });
 }
 
 std::shared_ptr<const Rule> RuleBook::AtAccept(bool isTls) {

@@ -20,6 +20,9 @@ class RuleBook {
   // another one when the search began.
   std::shared_ptr<const Rule> Next(const Request& request, std::size_t& position);
 
+  // True if a rule asks for the operation, which may stand in a request's body.
+  bool AsksForOperations() const;
+
   // The first rule for a connection that has just been accepted, counted as used; null if none.
   std::shared_ptr<const Rule> AtAccept(bool isTls);
 
@@ -32,7 +35,7 @@ class RuleBook {
     bool Count();
   };
 
-  std::mutex m_mutex;
+  mutable std::mutex m_mutex;
   std::vector<Entry> m_entries;
 };
 

@@ -1,8 +1,9 @@
-#include <initializer_list>
-#include <nlohmann/json.hpp>
-#include <stdexcept>
+#include <algorithm>
+#include <array>
+#include <fstream>
 
 #include "standin/base64.h"
+#include "standin/json_fields.h"
 #include "standin/rule.h"
 #include "standin/soap_message.h"
 
@@ -11,35 +12,6 @@ namespace {
 
 using nlohmann::json;
 using std::chrono::milliseconds;
-
-void CheckKeys(const json& object, std::string_view what,
-               std::initializer_list<std::string_view> known) {
-  if (!object.is_object()) throw std::invalid_argument(std::string(what) + " has to be an object");
-  for (const auto& [key, value] : object.items())
-    if (std::find(known.begin(), known.end(), key) == known.end())
-      throw std::invalid_argument(std::string(what) + " has no \"" + key + "\"");
-}
-
-template <typename Value>
-std::optional<Value> Optional(const json& object, const char* key) {
-  const auto found = object.find(key);
-  if (found == object.end() || found->is_null()) return std::nullopt;
-  return found->get<Value>();
-}
-
-// json converts a negative number to a huge one without a word.
-template <>
-std::optional<std::uint64_t> Optional<std::uint64_t>(const json& object, const char* key) {
-  const auto found = object.find(key);
-  if (found == object.end() || found->is_null()) return std::nullopt;
-  if (!found->is_number_unsigned())
-    throw std::invalid_argument(std::string(key) + " has to be a number from 0 on");
-  return found->get<std::uint64_t>();
-}
-
-std::uint64_t Number(const json& object, const char* key, std::uint64_t otherwise) {
-  return Optional<std::uint64_t>(object, key).value_or(otherwise);
-}
 
 milliseconds Milliseconds(const json& object, const char* key) {
   constexpr std::uint64_t kHour = 3'600'000;
@@ -52,6 +24,21 @@ std::string Bytes(const json& object, const char* key) {
   auto bytes = DecodeBase64(object.at(key).get<std::string>());
   if (!bytes) throw std::invalid_argument(std::string(key) + " is no Base64");
   return std::move(*bytes);
+}
+
+// The bytes of a file, whose path counts from the folder in which the server was started.
+std::string FileBytes(const json& object, const char* key) {
+  constexpr std::size_t kLargest = std::size_t{16} << 20;
+  const std::string path = object.at(key).get<std::string>();
+  std::ifstream file(path, std::ios::binary);
+  std::string bytes;
+  std::array<char, 65536> piece{};
+  while (file.read(piece.data(), piece.size()) || file.gcount() > 0) {
+    bytes.append(piece.data(), static_cast<std::size_t>(file.gcount()));
+    if (bytes.size() > kLargest) throw std::invalid_argument(path + ": 16 MiB is the largest body");
+  }
+  if (!file.eof()) throw std::invalid_argument(path + ": cannot be read");
+  return bytes;
 }
 
 int Status(const json& object, int otherwise) {
@@ -70,6 +57,7 @@ Framing ParseFraming(const std::string& name) {
 void ParseBody(const json& object, Response& response) {
   if (object.contains("body")) response.body = object["body"].get<std::string>();
   if (object.contains("body_base64")) response.body = Bytes(object, "body_base64");
+  if (object.contains("body_file")) response.body = FileBytes(object, "body_file");
   if (object.contains("body_fill")) {
     const json& fill = object["body_fill"];
     CheckKeys(fill, "body_fill", {"byte", "count"});
@@ -81,8 +69,8 @@ void ParseBody(const json& object, Response& response) {
 
 Response ParseRespond(const json& object) {
   CheckKeys(object, "respond",
-            {"status", "reason", "headers", "body", "body_base64", "body_fill", "framing",
-             "chunk_size", "close", "early"});
+            {"status", "reason", "headers", "body", "body_base64", "body_file", "body_fill",
+             "framing", "chunk_size", "close", "early"});
   Response response;
   response.status = Status(object, 200);
   response.reason = object.value("reason", "");
@@ -263,18 +251,19 @@ Rule ParseRule(const json& object) {
   CheckKeys(object, "a rule", {"match", "times", "skip", "do"});
   Rule rule;
   const json match = object.value("match", json::object());
-  CheckKeys(match, "match", {"host", "path", "method", "tls", "head_contains"});
+  CheckKeys(match, "match", {"host", "path", "method", "tls", "head_contains", "operation"});
   rule.match.host = Optional<std::string>(match, "host");
   rule.match.path = Optional<std::string>(match, "path");
   rule.match.method = Optional<std::string>(match, "method");
   rule.match.tls = Optional<bool>(match, "tls");
   rule.match.headContains = Optional<std::string>(match, "head_contains");
+  rule.match.operation = Optional<std::string>(match, "operation");
   rule.times = Optional<std::uint64_t>(object, "times");
   rule.skip = Number(object, "skip", 0);
   rule.actions = ParseActions(object.at("do"));
   const bool looksAtHead =
       rule.match.host || rule.match.path || rule.match.method || rule.match.headContains;
-  if (rule.actions.ConcernsAccept() && looksAtHead)
+  if (rule.actions.ConcernsAccept() && (looksAtHead || rule.match.operation))
     throw std::invalid_argument("nothing but tls is known when a connection is accepted");
   return rule;
 }

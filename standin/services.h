@@ -7,6 +7,7 @@
 #include "standin/certificates.h"
 #include "standin/request_log.h"
 #include "standin/rule_book.h"
+#include "standin/site_store.h"
 #include "standin/statistics.h"
 #include "standin/stop_signal.h"
 #include "standin/tls_channel.h"
@@ -20,6 +21,7 @@ struct Services {
   TlsAcceptor& tls;
   RequestLog& log;
   RuleBook& rules;
+  SiteStore& sites;
   Statistics& statistics;
   StopSignal& stop;
 };

@@ -3,6 +3,7 @@
 #include <exception>
 #include <optional>
 
+#include "standin/operation_name.h"
 #include "standin/request_head.h"
 #include "standin/response_writer.h"
 #include "standin/text.h"
@@ -82,8 +83,11 @@ Session::Next Session::ServeOne() {
   request.connectHost = m_connectHost;
   if (!m_connectHost.empty()) request.proxy = true;
   if (!IsControl()) ++m_services.statistics.requests;
-  if (head == HeadResult::kComplete)
-    return Handle(request, IsControl() ? Plan() : MakePlan(m_services.rules, request, m_auth));
+  if (head == HeadResult::kComplete) {
+    std::optional<BodyResult> body;
+    const Plan plan = IsControl() ? Plan() : PlanFor(request, body);
+    return Handle(request, plan, body);
+  }
   if (!IsControl()) m_services.log.Add(request);
   return Send(request, {},
               head == HeadResult::kTooLong
@@ -91,22 +95,41 @@ Session::Next Session::ServeOne() {
                   : ErrorPage(400, "The head of the request is malformed."));
 }
 
-Session::Next Session::Handle(Request& request, const Plan& plan) {
+Plan Session::PlanFor(Request& request, std::optional<BodyResult>& body) {
+  if (m_services.rules.AsksForOperations() && IsRpcRequest(request))
+    body =
+        ReadBodyOf(request, FindApplication(request), std::nullopt).value_or(BodyResult::kCutShort);
+  request.operation = OperationName(request);
+  return MakePlan(m_services.rules, request, m_auth);
+}
+
+std::optional<BodyResult> Session::ReadBodyOf(Request& request, const Application* application,
+                                              std::optional<std::uint64_t> stopAfter) {
+  if (request.Lists("Expect", "100-continue") && m_input.Waiting().empty() &&
+      !m_channel->Write("HTTP/1.1 100 Continue\r\n\r\n"))
+    return std::nullopt;
+  BodyOptions options;
+  options.keep = application && !application->IgnoresBody(request);
+  options.hash = !IsControl() && m_services.log.IsRecording();
+  options.stopAfter = stopAfter;
+  return ReadBody(m_input, request, options);
+}
+
+Session::Next Session::Handle(Request& request, const Plan& plan, std::optional<BodyResult> body) {
   Application* application = FindApplication(request);
-  BodyResult body = BodyResult::kComplete;
-  if (!plan.isEarly) {
-    if (request.Lists("Expect", "100-continue") && m_input.Waiting().empty() &&
-        !m_channel->Write("HTTP/1.1 100 Continue\r\n\r\n"))
-      return Ending::kAbrupt;
-    BodyOptions options;
-    options.keep = application && !application->IgnoresBody(request);
-    options.hash = !IsControl() && m_services.log.IsRecording();
-    if (plan.cut && plan.cut->at == Cut::At::kRequest) options.stopAfter = plan.cut->afterBytes;
-    body = ReadBody(m_input, request, options);
+  if (!body && plan.isEarly) body = BodyResult::kComplete;
+  if (!body) {
+    const bool isCut = plan.cut && plan.cut->at == Cut::At::kRequest;
+    body = ReadBodyOf(request, application, isCut ? plan.cut->afterBytes : std::nullopt);
+    if (!body) return Ending::kAbrupt;
   }
-  if (!IsControl()) m_services.log.Add(request);
-  if (body == BodyResult::kStopped) return EndingOf(*plan.cut);
-  if (body != BodyResult::kComplete) return Refuse(request, body);
+  request.user = plan.user;
+  if (!IsControl()) {
+    request.operation = OperationName(request);
+    m_services.log.Add(request);
+  }
+  if (*body == BodyResult::kStopped) return EndingOf(*plan.cut);
+  if (*body != BodyResult::kComplete) return Refuse(request, *body);
   return Answer(request, plan, application);
 }
 

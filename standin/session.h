@@ -37,8 +37,14 @@ class Session {
   using Next = std::optional<Ending>;
 
   Next ServeOne();
+  // What the rules make of the request. They may ask for an operation that stands in its body: then
+  // that is read first, and `body` says how it ended.
+  Plan PlanFor(Request& request, std::optional<BodyResult>& body);
   // The head is read and `plan` made: reads the body, records the request and answers.
-  Next Handle(Request& request, const Plan& plan);
+  Next Handle(Request& request, const Plan& plan, std::optional<BodyResult> body);
+  // Nothing: the client is gone.
+  std::optional<BodyResult> ReadBodyOf(Request& request, const Application* application,
+                                       std::optional<std::uint64_t> stopAfter);
   // How the body ended, when the request cannot be answered as it should be.
   Next Refuse(const Request& request, BodyResult body);
   Next Answer(const Request& request, const Plan& plan, Application* application);

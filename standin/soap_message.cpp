@@ -36,6 +36,31 @@ std::string TextOf(xmlNode* node) {
   return text;
 }
 
+std::string NameOf(const xmlAttr* attribute) {
+  std::string name;
+  if (attribute->ns && attribute->ns->prefix) {
+    name = View(attribute->ns->prefix);
+    name += ':';
+  }
+  return name += View(attribute->name);
+}
+
+// The parser bounds the depth.
+XmlElement Read(xmlNode* node) {
+  XmlElement element;
+  element.name = View(node->name);
+  element.elementNamespace = NamespaceOf(node);
+  for (xmlAttr* attribute = node->properties; attribute; attribute = attribute->next) {
+    xmlChar* value = xmlNodeListGetString(node->doc, attribute->children, 1);
+    element.attributes.emplace_back(NameOf(attribute), View(value));
+    xmlFree(value);
+  }
+  for (xmlNode* child = xmlFirstElementChild(node); child; child = xmlNextElementSibling(child))
+    element.children.push_back(Read(child));
+  element.text = TextOf(node);
+  return element;
+}
+
 xmlNode* FindBody(xmlNode* envelope) {
   for (xmlNode* child = xmlFirstElementChild(envelope); child; child = xmlNextElementSibling(child))
     if (IsSoap(child, "Body")) return child;
@@ -53,7 +78,24 @@ Response Envelope(int status, std::string_view content) {
   return TextAnswer(status, "text/xml; charset=utf-8", std::move(xml));
 }
 
+Response Fault(std::string_view code, std::string_view text, std::string_view detail, int status) {
+  std::string fault = "<soap:Fault><faultcode>soap:";
+  fault += code;
+  fault += "</faultcode><faultstring>";
+  fault += EscapeMarkup(text);
+  fault += "</faultstring>";
+  fault += detail;
+  fault += "</soap:Fault>";
+  return Envelope(status, fault);
+}
+
 }  // namespace
+
+const std::string* XmlElement::Attribute(std::string_view wanted) const {
+  for (const auto& [attributeName, value] : attributes)
+    if (attributeName == wanted) return &value;
+  return nullptr;
+}
 
 std::optional<SoapCall> ParseSoapCall(std::string_view xml, std::string& problem) {
   const int size = xml.size() > INT_MAX ? INT_MAX : static_cast<int>(xml.size());
@@ -83,20 +125,49 @@ std::optional<SoapCall> ParseSoapCall(std::string_view xml, std::string& problem
       problem = "A parameter of the call stands in another namespace.";
       return std::nullopt;
     }
-    call.parameters.push_back({std::string(View(child->name)), TextOf(child)});
+    call.parameters.push_back(Read(child));
   }
   return call;
 }
 
 Response SoapAnswer(std::string_view content) { return Envelope(200, content); }
 
+std::string XmlAttribute(std::string_view name, std::string_view value) {
+  std::string attribute(" ");
+  attribute += name;
+  attribute += "=\"";
+  for (const char c : EscapeMarkup(value)) {
+    if (c == '\t' || c == '\n' || c == '\r') {
+      attribute += "&#" + std::to_string(c) + ";";
+    } else {
+      attribute += c;
+    }
+  }
+  return attribute += '"';
+}
+
 Response SoapFault(std::string_view code, std::string_view text, int status) {
-  std::string fault = "<soap:Fault><faultcode>soap:";
-  fault += code;
-  fault += "</faultcode><faultstring>";
-  fault += EscapeMarkup(text);
-  fault += "</faultstring><detail /></soap:Fault>";
-  return Envelope(status, fault);
+  return Fault(code, text, "<detail />", status);
+}
+
+Response ServiceFault(std::string_view text, std::string_view errorCode) {
+  constexpr std::string_view kNamespace =
+      " xmlns=\"http://schemas.microsoft.com/sharepoint/soap/\">";
+  std::string detail = "<detail><errorstring";
+  detail += kNamespace;
+  detail += EscapeMarkup(text);
+  detail += "</errorstring>";
+  if (!errorCode.empty()) {
+    detail += "<errorcode";
+    detail += kNamespace;
+    detail += errorCode;
+    detail += "</errorcode>";
+  }
+  detail += "</detail>";
+  return Fault(
+      "Server",
+      "Exception of type 'Microsoft.SharePoint.SoapServer.SoapServerException' was thrown.", detail,
+      500);
 }
 
 }  // namespace velandoc::standin

@@ -40,7 +40,8 @@ struct CDocumentMeta {
 bool ParseDateText(double& date, bool& failed, LPCWSTR text);
 
 /// Turns a date of the OLE scale, whose fraction counts forward from the day even before the epoch,
-/// into one on a linear scale; and back, being its own inverse.
+/// into one on a linear scale: -1.25, six in the morning of day -1, is -0.75. What is not half a
+/// second before the epoch, or later, stays. Not its own inverse.
 double MirrorDate(double date);
 
 }  // namespace velandoc

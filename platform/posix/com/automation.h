@@ -140,12 +140,16 @@ inline constexpr USHORT VARIANT_NOVALUEPROP = 0x01;
 inline constexpr USHORT VARIANT_ALPHABOOL = 0x02;
 inline constexpr USHORT VARIANT_LOCALBOOL = 0x10;
 /// Target and source may be one; on failure the target is unchanged. Text is US English, whatever
-/// `lcid` says. Text to VT_DATE is not served: DISP_E_TYPEMISMATCH. Arrays, records and decimals
-/// are DISP_E_BADVARTYPE.
+/// `lcid` says. Arrays, records and decimals are DISP_E_BADVARTYPE.
 STDAPI COM_EXPORT VariantChangeType(VARIANT* target, const VARIANT* source, USHORT flags,
                                     VARTYPE type);
 STDAPI COM_EXPORT VariantChangeTypeEx(VARIANT* target, const VARIANT* source, LCID lcid,
                                       USHORT flags, VARTYPE type);
+
+/// A date, a time, or both, as US English writes them, whatever `lcid` says; `flags` are not looked
+/// at. What is read: date_reader.h. A date without a year is one of the current year. Else
+/// DISP_E_TYPEMISMATCH, with 0 in `date`; for a null text with nothing in it.
+STDAPI COM_EXPORT VarDateFromStr(const OLECHAR* text, LCID lcid, ULONG flags, DATE* date);
 
 /// The calling thread's error object. GetErrorInfo hands it over and clears it; S_FALSE and null if
 /// there is none.

@@ -6,4 +6,5 @@
 #include "platform/posix/com/automation.h"
 #include "platform/posix/com/com_error.h"
 #include "platform/posix/com/interfaces.h"
+#include "platform/posix/com/system_time.h"
 #include "platform/posix/com/types.h"

@@ -5,50 +5,35 @@
 #include <cstdio>
 #include <string>
 
+#include "platform/posix/com/calendar.h"
+
 namespace velandoc {
 namespace {
 
 constexpr std::int64_t kSecondsOfDay = 86400;
-// From 1 March of the year 0 to 30 December 1899, in the Gregorian calendar.
-constexpr std::int64_t kDaysToEpoch = 693899;
-
-struct Day {
-  std::int64_t year;
-  std::int64_t month;
-  std::int64_t day;
-};
-
-/// Counting years from March puts the leap day at their end: a 400-year cycle has 146097 days, and
-/// the month follows from the day of the year by a line through (0, March) to (305, January).
-Day DayOfCount(std::int64_t daysFromEpoch) {
-  const std::int64_t days = daysFromEpoch + kDaysToEpoch;
-  const std::int64_t cycle = days / 146097;
-  const std::int64_t ofCycle = days % 146097;
-  const std::int64_t yearOfCycle =
-      (ofCycle - ofCycle / 1460 + ofCycle / 36524 - ofCycle / 146096) / 365;
-  const std::int64_t ofYear = ofCycle - (365 * yearOfCycle + yearOfCycle / 4 - yearOfCycle / 100);
-  const std::int64_t monthFromMarch = (5 * ofYear + 2) / 153;
-  const std::int64_t month = monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9;
-  return {cycle * 400 + yearOfCycle + (month <= 2 ? 1 : 0), month,
-          ofYear - (153 * monthFromMarch + 2) / 5 + 1};
-}
-
 }  // namespace
 
-bool IsValidDate(DATE date) { return date >= kMinDate && date < kMaxDate + 1; }
+bool IsValidDate(DATE date) { return date > kMinDate - 1 && date < kMaxDate + 1; }
+
+DateCount CountOfDate(DATE date) {
+  const auto days = static_cast<std::int64_t>(date);
+  const auto seconds = std::llround(std::fabs(date - static_cast<double>(days)) * kSecondsOfDay);
+  if (seconds == kSecondsOfDay) return {days + 1, 0};
+  return {days, seconds};
+}
+
+DATE DateOf(const DateCount& count) {
+  const auto days = static_cast<DATE>(count.days);
+  const DATE fraction = static_cast<DATE>(count.seconds) / kSecondsOfDay;
+  return count.days < 0 ? days - fraction : days + fraction;
+}
 
 bool FormatDate(DATE date, WideString& text) {
   if (!IsValidDate(date)) return false;
-  // Before day 0 the fraction still counts forward: -1.75 is day -1 at 18:00.
-  auto days = static_cast<std::int64_t>(date);
-  auto seconds = std::llround(std::fabs(date - static_cast<double>(days)) * kSecondsOfDay);
-  if (seconds == kSecondsOfDay) {
-    seconds = 0;
-    ++days;
-  }
+  const auto [days, seconds] = CountOfDate(date);
   std::string narrow;
   if (days != 0) {
-    const Day day = DayOfCount(days);
+    const CalendarDay day = DayOfCount(days);
     narrow =
         std::to_string(day.month) + "/" + std::to_string(day.day) + "/" + std::to_string(day.year);
   }

@@ -6,15 +6,13 @@
 #include <limits>
 #include <system_error>
 
+#include "platform/posix/com/wide_space.h"
+
 namespace velandoc {
 namespace {
 
 // Beyond this every number is 0 or too large, whatever its digits.
 constexpr int kMaxExponent = 100000;
-
-bool IsSpace(OLECHAR unit) {
-  return unit == ' ' || (unit >= '\t' && unit <= '\r') || unit == 0xA0 || unit == 0x3000;
-}
 
 bool IsDigit(OLECHAR unit) { return unit >= '0' && unit <= '9'; }
 
@@ -43,7 +41,7 @@ class NumberReader {
     return unit;
   }
   void SkipSpace() {
-    while (IsSpace(Peek())) m_text.remove_prefix(1);
+    while (IsWideSpace(Peek())) m_text.remove_prefix(1);
   }
   /// Takes `unit` if it comes next and was not met before.
   bool TakeOnce(char unit, bool& wasMet) {
@@ -61,7 +59,7 @@ class NumberReader {
     if (base == 'O' || base == 'o') shift = 3;
     if (shift == 0) return DISP_E_TYPEMISMATCH;
     std::size_t digits = 0;
-    for (; !m_text.empty() && !IsSpace(Peek()); ++digits) {
+    for (; !m_text.empty() && !IsWideSpace(Peek()); ++digits) {
       const OLECHAR unit = Take();
       std::uint64_t digit = 16;
       if (IsDigit(unit)) digit = static_cast<std::uint64_t>(unit - '0');

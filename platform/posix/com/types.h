@@ -85,6 +85,18 @@ struct FILETIME {
   DWORD dwHighDateTime;
 };
 
+/// A time of the calendar, of whatever zone.
+struct SYSTEMTIME {
+  WORD wYear;
+  WORD wMonth;      // 1 to 12
+  WORD wDayOfWeek;  // 0 for Sunday
+  WORD wDay;
+  WORD wHour;
+  WORD wMinute;
+  WORD wSecond;
+  WORD wMilliseconds;
+};
+
 union LARGE_INTEGER {
   struct {
     DWORD LowPart;

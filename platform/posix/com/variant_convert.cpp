@@ -14,6 +14,7 @@
 #include "platform/ascii_case.h"
 #include "platform/owners.h"
 #include "platform/posix/com/automation.h"
+#include "platform/posix/com/date_reader.h"
 #include "platform/posix/com/date_text.h"
 #include "platform/posix/com/number_text.h"
 #include "platform/posix/com/variant_types.h"
@@ -239,7 +240,9 @@ std::optional<VARIANT_BOOL> TruthOf(WideView text) {
 }
 
 HRESULT TextToNumber(WideView text, VARTYPE type, VARIANT& target) {
-  if (type == VT_DATE) return DISP_E_TYPEMISMATCH;
+  if (type == VT_DATE) {
+    return ReadDateText(text, CurrentYear(), target.date) ? S_OK : DISP_E_TYPEMISMATCH;
+  }
   if (type == VT_BOOL) {
     if (const std::optional<VARIANT_BOOL> truth = TruthOf(text)) {
       target.boolVal = *truth;

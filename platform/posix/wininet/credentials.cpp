@@ -35,7 +35,7 @@ void CredentialCache::Store(Credential credential) {
   credentials.push_back(std::move(credential));
 }
 
-std::optional<Credential> CredentialCache::Find(bool forProxy, const Endpoint& endpoint,
+std::optional<Credential> CredentialCache::Find(bool forProxy, const http::Endpoint& endpoint,
                                                 const std::string* realm) {
   auto& [mutex, credentials] = TheStore();
   const std::lock_guard lock(mutex);

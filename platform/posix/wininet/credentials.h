@@ -5,16 +5,16 @@
 #include <optional>
 #include <string>
 
-#include "platform/posix/wininet/endpoint.h"
-#include "platform/posix/wininet/transfer.h"
+#include "platform/posix/http/endpoint.h"
+#include "platform/posix/http/transfer.h"
 
 namespace velandoc::wininet {
 
 struct Credential {
   bool forProxy = false;
-  Endpoint endpoint;
+  http::Endpoint endpoint;
   std::string realm;
-  Login login;
+  http::Login login;
 };
 
 class CredentialCache {
@@ -22,7 +22,7 @@ class CredentialCache {
   /// Replaces the one for the same endpoint and realm.
   static void Store(Credential credential);
   /// The newest for this endpoint; with `realm`, the newest of that realm.
-  static std::optional<Credential> Find(bool forProxy, const Endpoint& endpoint,
+  static std::optional<Credential> Find(bool forProxy, const http::Endpoint& endpoint,
                                         const std::string* realm = nullptr);
   /// Drops exactly this one; a newer one of the same realm with other words stays.
   static void Forget(const Credential& credential);

@@ -2,12 +2,15 @@
 
 #include <curl/curl.h>
 
+#include "platform/posix/http/ascii_case.h"
+#include "platform/posix/http/kerberos_ticket.h"
 #include "platform/posix/terminal.h"
-#include "platform/posix/wininet/ascii_case.h"
-#include "platform/posix/wininet/kerberos_ticket.h"
 #include "platform/posix/wininet/netrc.h"
 
 namespace velandoc::wininet {
+
+using namespace http;
+
 namespace {
 
 struct CertificateQuestion {

@@ -5,9 +5,12 @@
 #include <fstream>
 #include <string>
 
-#include "platform/posix/wininet/ascii_case.h"
+#include "platform/posix/http/ascii_case.h"
 
 namespace velandoc::wininet {
+
+using namespace http;
+
 namespace {
 
 // A .netrc is written by hand; a longer file is something else.

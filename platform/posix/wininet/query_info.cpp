@@ -5,6 +5,9 @@
 #include <optional>
 
 namespace velandoc::wininet {
+
+using namespace http;
+
 namespace {
 
 constexpr DWORD kFlagRequestHeaders = 0x80000000;

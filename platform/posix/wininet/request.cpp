@@ -3,9 +3,12 @@
 #include <charconv>
 #include <utility>
 
-#include "platform/posix/wininet/ascii_case.h"
+#include "platform/posix/http/ascii_case.h"
 
 namespace velandoc::wininet {
+
+using namespace http;
+
 namespace {
 
 constexpr int kMaxRedirects = 20;

@@ -12,17 +12,17 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/wininet/challenge.h"
+#include "platform/posix/http/challenge.h"
+#include "platform/posix/http/handles.h"
+#include "platform/posix/http/header_block.h"
+#include "platform/posix/http/transfer.h"
 #include "platform/posix/wininet/credentials.h"
-#include "platform/posix/wininet/handles.h"
-#include "platform/posix/wininet/header_block.h"
-#include "platform/posix/wininet/transfer.h"
 
 namespace velandoc::wininet {
 
-class Request final : public HandleObject {
+class Request final : public http::HandleObject {
  public:
-  Request(std::shared_ptr<Connect> connect, std::string verb, WideView objectName,
+  Request(std::shared_ptr<http::Connect> connect, std::string verb, WideView objectName,
           const std::string& acceptTypes, DWORD flags);
 
   /// All return ERROR_SUCCESS or WinINet's number.
@@ -34,8 +34,8 @@ class Request final : public HandleObject {
   DWORD Read(char* buffer, std::size_t size, std::size_t* read);
 
   /// Null while there is no answer.
-  const ResponseHead* Answer() const;
-  const HeaderBlock& Headers() const { return m_sentHeaders; }
+  const http::ResponseHead* Answer() const;
+  const http::HeaderBlock& Headers() const { return m_sentHeaders; }
   const std::string& Verb() const { return m_verb; }
   const std::string& Target() const { return m_target; }
 
@@ -44,8 +44,8 @@ class Request final : public HandleObject {
   void AddSecurityFlags(DWORD flags) { SetSecurityFlags(m_securityFlags | flags); }
 
   /// Who sent the answer, or refused it: after redirects, and the proxy when `ofProxy`.
-  const Endpoint& Peer(bool ofProxy) const;
-  const CertificateFacts* PeerCertificate() const;
+  const http::Endpoint& Peer(bool ofProxy) const;
+  const http::CertificateFacts* PeerCertificate() const;
 
   /// What InternetErrorDlg has tried already for this request, so that it asks for each only once.
   struct Tried {
@@ -56,16 +56,16 @@ class Request final : public HandleObject {
 
  private:
   struct Hop {
-    Endpoint server;
+    http::Endpoint server;
     std::string path;
     std::string verb;
-    BodyKind bodyKind = BodyKind::kNone;
-    std::optional<Proxy> proxy;
+    http::BodyKind bodyKind = http::BodyKind::kNone;
+    std::optional<http::Proxy> proxy;
     std::optional<Credential> serverCredential;
     std::optional<Credential> proxyCredential;
   };
 
-  DWORD Prepare(std::string_view headers, BodyKind kind, std::uint64_t length);
+  DWORD Prepare(std::string_view headers, http::BodyKind kind, std::uint64_t length);
   void StartHop();
   /// The proxy for the hop's server, and the logins that both took before.
   void RecallLogins();
@@ -80,13 +80,13 @@ class Request final : public HandleObject {
   enum class Redirect { kNone, kFollow, kRefused };
   Redirect PrepareRedirect();
 
-  std::shared_ptr<Connect> m_connect;
+  std::shared_ptr<http::Connect> m_connect;
   std::string m_verb;
   std::string m_target;
   DWORD m_flags;
   DWORD m_securityFlags;
-  HeaderBlock m_headers;
-  HeaderBlock m_sentHeaders;  // the hop's
+  http::HeaderBlock m_headers;
+  http::HeaderBlock m_sentHeaders;  // the hop's
   std::string m_body;
   std::optional<std::uint64_t> m_bodyLength;
   Hop m_hop;
@@ -94,7 +94,7 @@ class Request final : public HandleObject {
   bool m_bodyOpen = false;
   bool m_answered = false;
   // Behind what it points to: the plan's body is m_body.
-  std::unique_ptr<Transfer> m_transfer;
+  std::unique_ptr<http::Transfer> m_transfer;
 };
 
 }  // namespace velandoc::wininet

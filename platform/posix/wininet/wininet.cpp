@@ -6,15 +6,16 @@
 #include <cstring>
 #include <new>
 
+#include "platform/posix/http/handles.h"
 #include "platform/posix/last_error.h"
 #include "platform/posix/wininet/error_dialog.h"
-#include "platform/posix/wininet/handles.h"
 #include "platform/posix/wininet/query_info.h"
 #include "platform/posix/wininet/request.h"
 
 namespace velandoc {
 namespace {
 
+using namespace http;
 using namespace wininet;
 
 BOOL Report(DWORD error) { return error == ERROR_SUCCESS ? TRUE : FailWith(error); }

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/posix/wininet/connection_pool.h"
+#include "platform/posix/http/connection_pool.h"
 #include "platform/posix/wininet/credentials.h"
 #include "tests/support/posix/environment_scope.h"
 #include "tests/support/posix/scripted_terminal.h"
@@ -29,11 +29,11 @@ class WinInetLogin : public testing::Test {
     m_server.emplace();
     m_scope.emplace(*m_server);
     wininet::CredentialCache::ForgetAll();
-    wininet::ConnectionPool::ForgetThread();
+    http::ConnectionPool::ForgetThread();
   }
   void TearDown() override {
     wininet::CredentialCache::ForgetAll();
-    wininet::ConnectionPool::ForgetThread();
+    http::ConnectionPool::ForgetThread();
   }
 
   StandIn& Server() { return *m_server; }
@@ -61,7 +61,7 @@ TEST_F(WinInetLogin, AnswersEachSchemeWithWhatTheUserTypes) {
                              R"(["basic","digest"])", R"(["negotiate","basic"])"}) {
     SCOPED_TRACE(scheme);
     wininet::CredentialCache::ForgetAll();
-    wininet::ConnectionPool::ForgetThread();
+    http::ConnectionPool::ForgetThread();
     Demand(scheme);
     ScriptedTerminal user({"anna", "secret"});
     const PortScope<Terminal> terminal(user);
@@ -190,7 +190,7 @@ TEST_F(WinInetLogin, AnswersTheProxyToo) {
       if (secure && authority == nullptr) continue;
       const EnvironmentScope trusted("CURL_CA_BUNDLE", secure ? authority : nullptr);
       wininet::CredentialCache::ForgetAll();
-      wininet::ConnectionPool::ForgetThread();
+      http::ConnectionPool::ForgetThread();
       Demand(scheme, true);
       ScriptedTerminal user({"anna", "secret"});
       const PortScope<Terminal> terminal(user);

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/wininet/connection_pool.h"
+#include "platform/posix/http/connection_pool.h"
 #include "tests/support/posix/environment_scope.h"
 #include "tests/support/posix/scripted_terminal.h"
 #include "tests/support/standin_client.h"
@@ -44,18 +44,18 @@ class WinInetTls : public testing::Test {
     if (authority == nullptr) GTEST_SKIP() << "SSL_CERT_FILE names no certificate file";
     m_server.emplace();
     m_scope.emplace(*m_server);
-    wininet::ConnectionPool::ForgetThread();
+    http::ConnectionPool::ForgetThread();
     m_authority.emplace("CURL_CA_BUNDLE", authority);
   }
 
-  void TearDown() override { wininet::ConnectionPool::ForgetThread(); }
+  void TearDown() override { http::ConnectionPool::ForgetThread(); }
 
   StandIn& Server() { return *m_server; }
   /// What the server shows from the next handshake on; no kept connection remembers the former
   /// certificate.
   void Show(const char* certificate) {
     Server().SetCertificate(certificate);
-    wininet::ConnectionPool::ForgetThread();
+    http::ConnectionPool::ForgetThread();
   }
   std::uint16_t Port() { return m_server->HttpsPort(); }
 

@@ -1,10 +1,10 @@
-#include "platform/posix/wininet/deadlines.h"
+#include "platform/posix/http/deadlines.h"
 
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 
 Deadlines CurrentDeadlines() {
   Deadlines deadlines;
@@ -19,4 +19,4 @@ Deadlines CurrentDeadlines() {
   return {limit, limit};
 }
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

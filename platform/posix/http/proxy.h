@@ -6,9 +6,9 @@
 #include <optional>
 #include <string>
 
-#include "platform/posix/wininet/endpoint.h"
+#include "platform/posix/http/endpoint.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 
 struct Proxy {
   std::string url;      // as the environment gives it, with a scheme put in front if it has none
@@ -29,4 +29,4 @@ std::optional<Proxy> ProxyFor(const Endpoint& server);
 /// also takes out the hosts below it.
 bool IsExcludedHost(std::string_view list, std::string_view host);
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

@@ -1,11 +1,12 @@
-// From libcurl's results to WinINet's numbers.
+// From libcurl's results to WinINet's numbers, in which all of this folder speaks. WinHTTP has the
+// same numbers but for a few, which its port translates.
 #pragma once
 
 #include <curl/curl.h>
 
 #include "platform/posix/wininet_types.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 
 /// Of the whole library; never seen as long as the server's certificate is the only TLS matter.
 inline constexpr DWORD kErrorOutOfHandles = 12001;        // ERROR_INTERNET_OUT_OF_HANDLES
@@ -15,4 +16,4 @@ inline constexpr DWORD kErrorInvalidCertificate = 12169;  // ERROR_INTERNET_SEC_
 /// `osErrno` is the system's reason where libcurl has one, else 0.
 DWORD ErrorOf(CURLcode result, long osErrno);
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

@@ -8,7 +8,7 @@
 
 #include "platform/posix/wininet_types.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 
 /// The SECURITY_FLAG_IGNORE bits that let a certificate problem pass.
 inline constexpr DWORD kCertificateIgnoreFlags =
@@ -46,4 +46,4 @@ struct CertificateCheck {
 /// Sets up `easy` so that its handshakes are judged by `check`.
 void InstallCertificateCheck(CURL* easy, const std::shared_ptr<CertificateCheck>& check);
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

@@ -1,4 +1,4 @@
-#include "platform/posix/wininet/direct_body.h"
+#include "platform/posix/http/direct_body.h"
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <cstring>
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 namespace {
 
 // Few system calls, and still small enough to stay in the processor's cache between the system's
@@ -74,4 +74,4 @@ DWORD DirectBody::Read(char* buffer, std::size_t size, std::size_t* read) {
   return ERROR_SUCCESS;
 }
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

@@ -1,4 +1,4 @@
-#include "platform/posix/wininet/endpoint.h"
+#include "platform/posix/http/endpoint.h"
 
 #include <curl/curl.h>
 
@@ -9,7 +9,7 @@
 
 #include "platform/code_page.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 namespace {
 
 constexpr UINT kCodePage = 1252;
@@ -172,4 +172,4 @@ WideString FromAnsiBytes(std::string_view bytes) {
   return text;
 }
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

@@ -1,8 +1,8 @@
-#include "platform/posix/wininet/error_map.h"
+#include "platform/posix/http/error_map.h"
 
 #include <cerrno>
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 namespace {
 
 struct Row {
@@ -41,4 +41,4 @@ DWORD ErrorOf(CURLcode result, long osErrno) {
   return ERROR_INTERNET_INTERNAL_ERROR;
 }
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

@@ -1,11 +1,11 @@
-#include "platform/posix/wininet/kerberos_ticket.h"
+#include "platform/posix/http/kerberos_ticket.h"
 
 #include <unistd.h>
 
 #include <cstdlib>
 #include <string>
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 
 bool MayHoldTicket() {
   std::string cache;
@@ -24,4 +24,4 @@ bool MayHoldTicket() {
   return access(cache.c_str(), R_OK) == 0;
 }
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

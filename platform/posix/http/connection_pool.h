@@ -14,7 +14,7 @@
 
 #include "platform/posix/wininet_types.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 
 class ConnectionPool {
  public:
@@ -61,4 +61,4 @@ class EasyHandle {
   bool m_joined = false;
 };
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <string_view>
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 
 constexpr char AsciiLower(char character) {
   return character >= 'A' && character <= 'Z' ? static_cast<char>(character + ('a' - 'A'))
@@ -25,4 +25,4 @@ constexpr std::string_view TrimBlanks(std::string_view text) {
   return text;
 }
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

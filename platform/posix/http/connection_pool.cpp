@@ -1,11 +1,11 @@
-#include "platform/posix/wininet/connection_pool.h"
+#include "platform/posix/http/connection_pool.h"
 
 #include <map>
 #include <mutex>
 #include <new>
 #include <utility>
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 namespace {
 
 // Enough for the servers that one thread talks to in turns; an older idle connection is closed for
@@ -95,4 +95,4 @@ void EasyHandle::Leave() {
   m_joined = false;
 }
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

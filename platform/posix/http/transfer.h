@@ -15,14 +15,14 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/wininet/certificate_check.h"
-#include "platform/posix/wininet/connection_pool.h"
-#include "platform/posix/wininet/deadlines.h"
-#include "platform/posix/wininet/direct_body.h"
-#include "platform/posix/wininet/header_block.h"
-#include "platform/posix/wininet/proxy.h"
+#include "platform/posix/http/certificate_check.h"
+#include "platform/posix/http/connection_pool.h"
+#include "platform/posix/http/deadlines.h"
+#include "platform/posix/http/direct_body.h"
+#include "platform/posix/http/header_block.h"
+#include "platform/posix/http/proxy.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 
 /// User name and password with the one scheme that they are for (a CURLAUTH bit).
 struct Login {
@@ -75,7 +75,7 @@ class Transfer {
   Transfer(const Transfer&) = delete;
   Transfer& operator=(const Transfer&) = delete;
 
-  /// All return ERROR_SUCCESS or WinINet's number.
+  /// All return ERROR_SUCCESS or a number of error_map.h.
 
   /// Until the final head is there (1xx passed over), or for a streamed body until the peer takes
   /// its first byte.
@@ -168,4 +168,4 @@ class Transfer {
   bool m_sendPaused = false;
 };
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 
 struct Challenge {
   unsigned long schemes = 0;  // CURLAUTH bits of those that can be answered
@@ -19,4 +19,4 @@ Challenge ParseChallenges(const std::vector<std::string_view>& values);
 /// Negotiate is left out, since libcurl would try it without a ticket for ever. 0 if none serves.
 unsigned long PasswordScheme(unsigned long offered);
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

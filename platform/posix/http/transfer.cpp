@@ -1,13 +1,13 @@
-#include "platform/posix/wininet/transfer.h"
+#include "platform/posix/http/transfer.h"
 
 #include <algorithm>
 #include <cstring>
 #include <new>
 
-#include "platform/posix/wininet/ascii_case.h"
-#include "platform/posix/wininet/error_map.h"
+#include "platform/posix/http/ascii_case.h"
+#include "platform/posix/http/error_map.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 namespace {
 
 // libcurl reads and sends in pieces of this size; with twice as much it is half as fast.
@@ -479,4 +479,4 @@ void Transfer::DiscardRest(std::chrono::milliseconds patience) {
   }
 }
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

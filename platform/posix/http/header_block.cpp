@@ -1,12 +1,12 @@
-#include "platform/posix/wininet/header_block.h"
+#include "platform/posix/http/header_block.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 
-#include "platform/posix/wininet/ascii_case.h"
+#include "platform/posix/http/ascii_case.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 namespace {
 
 // By HTTP_QUERY number. Null: the number asks for something else than a header.
@@ -162,4 +162,4 @@ void ResponseHead::SetStatusLine(std::string_view line) {
   std::from_chars(statusCode.data(), statusCode.data() + statusCode.size(), status);
 }
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

@@ -1,11 +1,11 @@
-#include "platform/posix/wininet/proxy.h"
+#include "platform/posix/http/proxy.h"
 
 #include <charconv>
 #include <cstdlib>
 
-#include "platform/posix/wininet/ascii_case.h"
+#include "platform/posix/http/ascii_case.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 namespace {
 
 const char* Variable(const char* name) {
@@ -75,4 +75,4 @@ std::optional<Proxy> ProxyFor(const Endpoint& server) {
   return ParseProxy(text);
 }
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

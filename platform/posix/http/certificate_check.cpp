@@ -1,4 +1,4 @@
-#include "platform/posix/wininet/certificate_check.h"
+#include "platform/posix/http/certificate_check.h"
 
 #include <openssl/evp.h>
 #include <openssl/ssl.h>
@@ -6,9 +6,9 @@
 
 #include <cstdlib>
 
-#include "platform/posix/wininet/error_map.h"
+#include "platform/posix/http/error_map.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 namespace {
 
 using CheckOwner = std::shared_ptr<CertificateCheck>;
@@ -200,4 +200,4 @@ void InstallCertificateCheck(CURL* easy, const std::shared_ptr<CertificateCheck>
   curl_easy_setopt(easy, CURLOPT_SSL_CTX_DATA, &check);
 }
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

@@ -1,17 +1,19 @@
-// The small parts of the WinInet port, one table each.
+// The small parts of the ports over libcurl, one table each.
 #include <curl/curl.h>
 #include <gtest/gtest.h>
 
-#include "platform/posix/wininet/challenge.h"
-#include "platform/posix/wininet/endpoint.h"
+#include "platform/posix/http/challenge.h"
+#include "platform/posix/http/endpoint.h"
+#include "platform/posix/http/proxy.h"
 #include "platform/posix/wininet/netrc.h"
-#include "platform/posix/wininet/proxy.h"
 #include "tests/support/posix/environment_scope.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 namespace {
 
 using test::EnvironmentScope;
+using wininet::FindInNetrc;
+using wininet::NetrcLogin;
 
 TEST(Challenge, ReadsSchemesAndRealm) {
   struct Case {
@@ -168,4 +170,4 @@ TEST(Endpoint, FollowsLocations) {
 }
 
 }  // namespace
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/wininet/endpoint.h"
+#include "platform/posix/http/endpoint.h"
 #include "platform/posix/wininet_types.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 
 class HandleObject {
  public:
@@ -58,4 +58,4 @@ class HandleTable {
   static void ReportWrong(bool isOpen);
 };
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

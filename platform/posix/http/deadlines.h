@@ -3,7 +3,7 @@
 
 #include <chrono>
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 
 struct Deadlines {
   /// Name look-up, connection and TLS handshake together.
@@ -16,4 +16,4 @@ struct Deadlines {
 /// says (fractions count; what is no positive number is passed over).
 Deadlines CurrentDeadlines();
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

@@ -13,7 +13,7 @@
 
 #include "platform/posix/wininet_types.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 
 class DirectBody {
  public:
@@ -23,8 +23,8 @@ class DirectBody {
   /// The next `length` bytes on `socket`, which stays its owner's and does not block.
   DirectBody(int socket, std::uint64_t length, std::chrono::milliseconds silence);
 
-  /// Fills the buffer unless the body ends before; `*read` is what came. ERROR_SUCCESS or WinINet's
-  /// number.
+  /// Fills the buffer unless the body ends before; `*read` is what came. ERROR_SUCCESS or a
+  /// number of error_map.h.
   DWORD Read(char* buffer, std::size_t size, std::size_t* read);
 
  private:
@@ -40,4 +40,4 @@ class DirectBody {
   std::size_t m_aheadEnd = 0;
 };
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

@@ -7,7 +7,7 @@
 
 #include "platform/posix/wininet_types.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 
 struct HeaderLine {
   std::string name;
@@ -57,4 +57,4 @@ struct ResponseHead {
 /// The header name behind a HTTP_QUERY number; null for numbers that stand for no header.
 const char* HeaderNameOf(DWORD query);
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

@@ -6,7 +6,7 @@
 #include "platform/posix/wininet_types.h"
 #include "platform/text.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 
 struct Endpoint {
   bool secure = false;
@@ -43,4 +43,4 @@ std::string Utf8(WideView text);
 std::string AnsiBytes(WideView text);
 WideString FromAnsiBytes(std::string_view bytes);
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

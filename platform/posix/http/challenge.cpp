@@ -1,10 +1,10 @@
-#include "platform/posix/wininet/challenge.h"
+#include "platform/posix/http/challenge.h"
 
 #include <curl/curl.h>
 
-#include "platform/posix/wininet/ascii_case.h"
+#include "platform/posix/http/ascii_case.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 namespace {
 
 bool IsTokenCharacter(char character) {
@@ -97,4 +97,4 @@ unsigned long PasswordScheme(unsigned long offered) {
   return 0;
 }
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

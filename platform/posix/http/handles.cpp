@@ -1,4 +1,4 @@
-#include "platform/posix/wininet/handles.h"
+#include "platform/posix/http/handles.h"
 
 #include <algorithm>
 #include <mutex>
@@ -7,7 +7,7 @@
 
 #include "platform/posix/last_error.h"
 
-namespace velandoc::wininet {
+namespace velandoc::http {
 namespace {
 
 struct Table {
@@ -90,4 +90,4 @@ void HandleTable::ReportWrong(bool isOpen) {
   FailWith(isOpen ? ERROR_INTERNET_INCORRECT_HANDLE_TYPE : ERROR_INVALID_HANDLE);
 }
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

@@ -59,6 +59,15 @@ DWORD DirectBody::Receive(char* buffer, std::size_t size, std::size_t* read) {
   }
 }
 
+DWORD DirectBody::Available(std::size_t* count) {
+  *count = m_aheadEnd - m_aheadBegin;
+  if (*count != 0 || m_left == 0) return ERROR_SUCCESS;
+  std::size_t none = 0;
+  const DWORD error = Receive(nullptr, 0, &none);
+  *count = m_aheadEnd - m_aheadBegin;
+  return error;
+}
+
 DWORD DirectBody::Read(char* buffer, std::size_t size, std::size_t* read) {
   *read = std::min(size, m_aheadEnd - m_aheadBegin);
   if (*read != 0) {

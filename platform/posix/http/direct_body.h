@@ -23,6 +23,9 @@ class DirectBody {
   /// The next `length` bytes on `socket`, which stays its owner's and does not block.
   DirectBody(int socket, std::uint64_t length, std::chrono::milliseconds silence);
 
+  /// Waits for the next bytes and counts those that are read ahead; 0 with ERROR_SUCCESS is the
+  /// end.
+  DWORD Available(std::size_t* count);
   /// Fills the buffer unless the body ends before; `*read` is what came. ERROR_SUCCESS or a
   /// number of error_map.h.
   DWORD Read(char* buffer, std::size_t size, std::size_t* read);

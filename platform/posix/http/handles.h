@@ -26,6 +26,7 @@ class HandleObject {
 
 struct Session final : HandleObject {
   std::string agent;
+  bool usesProxies = true;
 };
 
 struct Connect final : HandleObject {

@@ -173,6 +173,15 @@ int Transfer::OnSocket(CURL* easy, curl_socket_t socket, int what, void*, void*)
   return 0;
 }
 
+/// Called when the connection stands, TLS and tunnel included, and the request is about to be
+/// written: in the same round of libcurl.
+int Transfer::OnRequest(void* self, char*, char*, int, int) {
+  auto* transfer = static_cast<Transfer*>(self);
+  transfer->m_requestBegun = true;
+  transfer->m_moved = true;
+  return CURL_PREREQFUNC_OK;
+}
+
 int Transfer::OnSeek(void* self, curl_off_t offset, int origin) {
   auto* transfer = static_cast<Transfer*>(self);
   // Only the start can be gone back to, and only while all of it is held: enough for a kept
@@ -359,11 +368,27 @@ DWORD Transfer::DriveUntil(Condition condition) {
   return ERROR_SUCCESS;
 }
 
-DWORD Transfer::Start() {
+template <class Condition>
+DWORD Transfer::BeginAndDriveUntil(Condition condition) {
   m_lastMove = Clock::now();
   curl_multi_setopt(m_handle.Multi(), CURLMOPT_SOCKETFUNCTION, &OnSocket);
   if (!m_handle.Join()) return ERROR_INTERNET_INTERNAL_ERROR;
-  return DriveUntil([this] { return m_headIsFinal || (m_streamed && m_bodyBegun); });
+  return DriveUntil(condition);
+}
+
+DWORD Transfer::Start() {
+  return BeginAndDriveUntil([this] { return m_headIsFinal || (m_streamed && m_bodyBegun); });
+}
+
+DWORD Transfer::StartSending() {
+  curl_easy_setopt(m_easy, CURLOPT_PREREQFUNCTION, &OnRequest);
+  curl_easy_setopt(m_easy, CURLOPT_PREREQDATA, this);
+  return BeginAndDriveUntil([this] { return m_headIsFinal || m_requestBegun; });
+}
+
+DWORD Transfer::AwaitHead() {
+  m_lastMove = Clock::now();
+  return DriveUntil([this] { return m_headIsFinal; });
 }
 
 DWORD Transfer::Write(const char* data, std::size_t size) {
@@ -411,6 +436,21 @@ DWORD Transfer::EndBody() {
   m_lastMove = Clock::now();
   ResumeSending();
   return DriveUntil([this] { return m_headIsFinal; });
+}
+
+DWORD Transfer::Available(std::size_t* count) {
+  *count = m_received.size() - m_receivedBegin;
+  if (*count != 0) return ERROR_SUCCESS;
+  if (m_isPlainDownload && !m_direct) TakeOverSocket();
+  if (m_direct) {
+    if (m_error == ERROR_SUCCESS) m_error = m_direct->Available(count);
+    return m_error;
+  }
+  m_lastMove = Clock::now();
+  ResumeReceiving();
+  const DWORD error = DriveUntil([this] { return m_receivedBegin != m_received.size(); });
+  *count = m_received.size() - m_receivedBegin;
+  return *count != 0 ? ERROR_SUCCESS : error;
 }
 
 DWORD Transfer::Read(char* buffer, std::size_t size, std::size_t* read) {

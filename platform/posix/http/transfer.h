@@ -80,9 +80,15 @@ class Transfer {
   /// Until the final head is there (1xx passed over), or for a streamed body until the peer takes
   /// its first byte.
   DWORD Start();
+  /// Until the connection stands and the request goes out, or an answer comes before that.
+  DWORD StartSending();
+  /// After StartSending, for a body that is not streamed: until the final head is there.
+  DWORD AwaitHead();
   DWORD Write(const char* data, std::size_t size);
   /// Ends a streamed body and waits for the final head.
   DWORD EndBody();
+  /// Waits for the body's next bytes and counts them; 0 with ERROR_SUCCESS is its end.
+  DWORD Available(std::size_t* count);
   /// Fills the buffer unless the answer ends before. What came before a failure is given out first.
   DWORD Read(char* buffer, std::size_t size, std::size_t* read);
   /// Reads away the rest of a short body, so that the connection can serve again. Waits for the
@@ -100,6 +106,7 @@ class Transfer {
   static std::size_t OnBody(char* data, std::size_t size, std::size_t count, void* self);
   static std::size_t OnUpload(char* buffer, std::size_t size, std::size_t count, void* self);
   static int OnSocket(CURL* easy, curl_socket_t socket, int what, void*, void*);
+  static int OnRequest(void* self, char*, char*, int, int);
   static int OnSeek(void* self, curl_off_t offset, int origin);
 
   void SetOptions(const TransferPlan& plan);
@@ -115,6 +122,8 @@ class Transfer {
   void Abort(DWORD error);
   template <class Condition>
   DWORD DriveUntil(Condition condition);
+  template <class Condition>
+  DWORD BeginAndDriveUntil(Condition condition);
   bool HasStoppedSending() const { return m_headIsFinal && m_head.status >= 300; }
   bool IsGatheredSent() const { return m_gatheredBegin == m_gathered.size(); }
   void DropSent();
@@ -133,6 +142,7 @@ class Transfer {
   CURL* m_easy;  // m_handle's
   bool m_done = false;
   DWORD m_error = ERROR_SUCCESS;
+  bool m_requestBegun = false;
   bool m_moved = false;  // a callback ran since the latest round
   Deadlines m_deadlines = CurrentDeadlines();
   Clock::time_point m_lastMove = Clock::now();

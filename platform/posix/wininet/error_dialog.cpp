@@ -3,6 +3,7 @@
 #include <curl/curl.h>
 
 #include "platform/posix/http/ascii_case.h"
+#include "platform/posix/http/challenge.h"
 #include "platform/posix/http/kerberos_ticket.h"
 #include "platform/posix/terminal.h"
 #include "platform/posix/wininet/netrc.h"

@@ -2,14 +2,12 @@
 // the wire is the request's.
 #include "platform/wininet.h"
 
-#include <algorithm>
 #include <cstring>
 #include <new>
 
-#include "platform/posix/http/handles.h"
-#include "platform/posix/last_error.h"
+#include "platform/posix/http/port_calls.h"
+#include "platform/posix/http/query_info.h"
 #include "platform/posix/wininet/error_dialog.h"
-#include "platform/posix/wininet/query_info.h"
 #include "platform/posix/wininet/request.h"
 
 namespace velandoc {
@@ -18,35 +16,12 @@ namespace {
 using namespace http;
 using namespace wininet;
 
-BOOL Report(DWORD error) { return error == ERROR_SUCCESS ? TRUE : FailWith(error); }
-
-HINTERNET NoHandle(DWORD error) {
-  FailWith(error);
-  return nullptr;
-}
-
-/// `length` in characters, -1 (also as DWORD) for a null-ended text.
-std::string HeaderText(LPCWSTR text, DWORD length) {
-  if (text == nullptr) return {};
-  return AnsiBytes(length == static_cast<DWORD>(-1) ? WideView(text) : WideView(text, length));
-}
-
-std::string AcceptHeader(LPCWSTR* acceptTypes) {
-  std::string value;
-  if (acceptTypes == nullptr) return value;
-  for (; *acceptTypes != nullptr; ++acceptTypes) {
-    if (!value.empty()) value += ", ";
-    value += AnsiBytes(*acceptTypes);
-  }
-  return value;
-}
-
 class CurlWinInet final : public WinInet {
  public:
   HINTERNET InternetOpenW(LPCWSTR agent, DWORD accessType, LPCWSTR, LPCWSTR, DWORD) override {
     // Nobody names a proxy of his own; the user's are in the environment.
     if (accessType != INTERNET_OPEN_TYPE_PRECONFIG) return NoHandle(ERROR_INVALID_PARAMETER);
-    return NoThrow([&] {
+    return MakeHandle([&] {
       auto session = std::make_shared<Session>();
       if (agent != nullptr) session->agent = AnsiBytes(agent);
       return HandleTable::Open(std::move(session), nullptr);
@@ -55,7 +30,7 @@ class CurlWinInet final : public WinInet {
 
   HINTERNET InternetConnectW(HINTERNET sessionHandle, LPCWSTR serverName, INTERNET_PORT port,
                              LPCWSTR, LPCWSTR, DWORD service, DWORD, DWORD_PTR) override {
-    return NoThrow([&]() -> HINTERNET {
+    return MakeHandle([&]() -> HINTERNET {
       const auto session = HandleTable::Get<Session>(sessionHandle);
       if (session == nullptr) return nullptr;
       if (serverName == nullptr || *serverName == u'\0' || service != INTERNET_SERVICE_HTTP) {
@@ -72,10 +47,10 @@ class CurlWinInet final : public WinInet {
   HINTERNET HttpOpenRequestW(HINTERNET connectHandle, LPCWSTR verb, LPCWSTR objectName,
                              LPCWSTR version, LPCWSTR referrer, LPCWSTR* acceptTypes, DWORD flags,
                              DWORD_PTR) override {
-    return NoThrow([&]() -> HINTERNET {
+    return MakeHandle([&]() -> HINTERNET {
       auto connect = HandleTable::Get<Connect>(connectHandle);
       if (connect == nullptr) return nullptr;
-      std::string verbText = verb != nullptr && *verb != u'\0' ? AnsiBytes(verb) : "GET";
+      std::string verbText = VerbText(verb);
       // Always HTTP/1.1, and never a referrer.
       if (version != nullptr || referrer != nullptr || !IsToken(verbText)) {
         return NoHandle(ERROR_INVALID_PARAMETER);
@@ -90,7 +65,7 @@ class CurlWinInet final : public WinInet {
 
   BOOL HttpSendRequestW(HINTERNET handle, LPCWSTR headers, DWORD headersLength, LPVOID optional,
                         DWORD optionalLength) override {
-    return WithRequest(handle, [&](Request& request) {
+    return WithRequest<Request>(handle, [&](Request& request) {
       if (optional == nullptr && optionalLength != 0) return ERROR_INVALID_PARAMETER;
       return request.Send(HeaderText(headers, headersLength),
                           std::string_view(static_cast<const char*>(optional), optionalLength));
@@ -99,7 +74,7 @@ class CurlWinInet final : public WinInet {
 
   BOOL HttpSendRequestExW(HINTERNET handle, INTERNET_BUFFERSW* buffersIn, INTERNET_BUFFERSW*, DWORD,
                           DWORD_PTR) override {
-    return WithRequest(handle, [&](Request& request) {
+    return WithRequest<Request>(handle, [&](Request& request) {
       if (buffersIn == nullptr) return request.BeginBody({}, 0);
       if (buffersIn->dwStructSize != sizeof(*buffersIn)) return ERROR_INVALID_PARAMETER;
       return request.BeginBody(HeaderText(buffersIn->lpcszHeader, buffersIn->dwHeadersLength),
@@ -109,7 +84,7 @@ class CurlWinInet final : public WinInet {
 
   BOOL InternetWriteFile(HINTERNET handle, LPCVOID buffer, DWORD size, DWORD* written) override {
     if (written != nullptr) *written = 0;
-    return WithRequest(handle, [&](Request& request) {
+    return WithRequest<Request>(handle, [&](Request& request) {
       if (written == nullptr || (buffer == nullptr && size != 0)) return ERROR_INVALID_PARAMETER;
       const DWORD error = request.WriteBody(static_cast<const char*>(buffer), size);
       if (error == ERROR_SUCCESS) *written = size;
@@ -118,12 +93,12 @@ class CurlWinInet final : public WinInet {
   }
 
   BOOL HttpEndRequestW(HINTERNET handle, INTERNET_BUFFERSW*, DWORD, DWORD_PTR) override {
-    return WithRequest(handle, [](Request& request) { return request.EndBody(); });
+    return WithRequest<Request>(handle, [](Request& request) { return request.EndBody(); });
   }
 
   BOOL InternetReadFile(HINTERNET handle, LPVOID buffer, DWORD size, DWORD* read) override {
     if (read != nullptr) *read = 0;
-    return WithRequest(handle, [&](Request& request) {
+    return WithRequest<Request>(handle, [&](Request& request) {
       if (read == nullptr || (buffer == nullptr && size != 0)) return ERROR_INVALID_PARAMETER;
       std::size_t count = 0;
       const DWORD error = request.Read(static_cast<char*>(buffer), size, &count);
@@ -134,8 +109,9 @@ class CurlWinInet final : public WinInet {
 
   BOOL HttpQueryInfoW(HINTERNET handle, DWORD infoLevel, LPVOID buffer, DWORD* size,
                       DWORD* index) override {
-    return WithRequest(handle, [&](Request& request) {
-      return QueryInfo(request, infoLevel, buffer, size, index);
+    return WithRequest<Request>(handle, [&](Request& request) {
+      // The buffer that is to hold the value brings the name.
+      return QueryInfo(request, infoLevel, static_cast<LPCWSTR>(buffer), buffer, size, index);
     });
   }
 
@@ -149,7 +125,7 @@ class CurlWinInet final : public WinInet {
   }
 
   BOOL InternetQueryOptionW(HINTERNET handle, DWORD option, LPVOID buffer, DWORD* size) override {
-    return WithRequest(handle, [&](Request& request) {
+    return WithRequest<Request>(handle, [&](Request& request) {
       if (option != INTERNET_OPTION_SECURITY_FLAGS) return ERROR_INTERNET_INVALID_OPTION;
       if (size == nullptr) return ERROR_INVALID_PARAMETER;
       const bool fits = buffer != nullptr && *size >= sizeof(DWORD);
@@ -162,7 +138,7 @@ class CurlWinInet final : public WinInet {
   }
 
   BOOL InternetSetOptionW(HINTERNET handle, DWORD option, LPVOID buffer, DWORD size) override {
-    return WithRequest(handle, [&](Request& request) {
+    return WithRequest<Request>(handle, [&](Request& request) {
       if (option != INTERNET_OPTION_SECURITY_FLAGS) return ERROR_INTERNET_INVALID_OPTION;
       if (buffer == nullptr || size != sizeof(DWORD)) return ERROR_INVALID_PARAMETER;
       DWORD securityFlags = 0;
@@ -178,32 +154,6 @@ class CurlWinInet final : public WinInet {
 
   HWND GetActiveWindow() override { return nullptr; }
   DWORD GetLastError() override { return ThreadLastError(); }
-
- private:
-  static bool IsToken(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char character) {
-      return character > ' ' && character < 0x7F && character != ':';
-    });
-  }
-
-  template <class Operation>
-  static HINTERNET NoThrow(Operation operation) {
-    try {
-      return operation();
-    } catch (const std::bad_alloc&) {
-      return NoHandle(ERROR_NOT_ENOUGH_MEMORY);
-    }
-  }
-
-  template <class Operation>
-  static BOOL WithRequest(HINTERNET handle, Operation operation) {
-    try {
-      const auto request = HandleTable::Get<Request>(handle);
-      return request != nullptr ? Report(operation(*request)) : FALSE;
-    } catch (const std::bad_alloc&) {
-      return FailWith(ERROR_NOT_ENOUGH_MEMORY);
-    }
-  }
 };
 
 }  // namespace

@@ -1,20 +1,16 @@
-#include "platform/posix/wininet/query_info.h"
+#include "platform/posix/http/query_info.h"
 
 #include <charconv>
 #include <cstring>
 #include <optional>
 
-namespace velandoc::wininet {
-
-using namespace http;
-
+namespace velandoc::http {
 namespace {
 
 constexpr DWORD kFlagRequestHeaders = 0x80000000;
 constexpr DWORD kFlagSystemTime = 0x40000000;
 constexpr DWORD kFlagNumber = 0x20000000;
 constexpr DWORD kNumberMask = 0x0000FFFF;
-constexpr DWORD kCustom = 0x0000FFFF;
 
 DWORD StoreText(std::string_view bytes, LPVOID buffer, DWORD* size) {
   const WideString text = FromAnsiBytes(bytes);
@@ -56,7 +52,8 @@ std::string RawHeaders(std::string first, const HeaderBlock& headers, std::strin
 
 }  // namespace
 
-DWORD QueryInfo(const Request& request, DWORD infoLevel, LPVOID buffer, DWORD* size, DWORD* index) {
+DWORD QueryInfo(const HttpRequest& request, DWORD infoLevel, LPCWSTR name, LPVOID buffer,
+                DWORD* size, DWORD* index) {
   if (size == nullptr) return ERROR_INVALID_PARAMETER;
   if ((infoLevel & kFlagSystemTime) != 0) return ERROR_HTTP_INVALID_QUERY_REQUEST;
   const DWORD query = infoLevel & kNumberMask;
@@ -86,12 +83,11 @@ DWORD QueryInfo(const Request& request, DWORD infoLevel, LPVOID buffer, DWORD* s
       break;
     default: {
       isHeader = true;
-      const std::string custom = query == kCustom && buffer != nullptr
-                                     ? AnsiBytes(static_cast<LPCWSTR>(buffer))
-                                     : std::string();
-      const char* name = query == kCustom ? custom.c_str() : HeaderNameOf(query);
-      if (name == nullptr) return ERROR_HTTP_INVALID_QUERY_REQUEST;
-      const std::string* found = headers.Find(name, index != nullptr ? *index : 0);
+      const std::string custom =
+          query == kNamedHeader && name != nullptr ? AnsiBytes(name) : std::string();
+      const char* header = query == kNamedHeader ? custom.c_str() : HeaderNameOf(query);
+      if (header == nullptr) return ERROR_HTTP_INVALID_QUERY_REQUEST;
+      const std::string* found = headers.Find(header, index != nullptr ? *index : 0);
       if (found != nullptr) value = *found;
       break;
     }
@@ -103,4 +99,4 @@ DWORD QueryInfo(const Request& request, DWORD infoLevel, LPVOID buffer, DWORD* s
   return error;
 }
 
-}  // namespace velandoc::wininet
+}  // namespace velandoc::http

@@ -1,0 +1,58 @@
+// What the operations of the ports over libcurl have in common: handles looked up, arguments turned
+// into bytes, results stored for GetLastError, and no exception past a port.
+#pragma once
+
+#include <memory>
+#include <new>
+#include <string>
+#include <string_view>
+
+#include "platform/posix/http/handles.h"
+#include "platform/posix/last_error.h"
+#include "platform/text.h"
+
+namespace velandoc::http {
+
+inline HINTERNET NoHandle(DWORD error) {
+  FailWith(error);
+  return nullptr;
+}
+
+/// An operation that gives a handle: what `operation` returns, null with ERROR_NOT_ENOUGH_MEMORY if
+/// it finds none.
+template <class Operation>
+HINTERNET MakeHandle(Operation operation) {
+  try {
+    return operation();
+  } catch (const std::bad_alloc&) {
+    return NoHandle(ERROR_NOT_ENOUGH_MEMORY);
+  }
+}
+
+/// An operation on a request of this kind: `operation` gets it and returns ERROR_SUCCESS or the
+/// reason.
+template <class Request, class Operation>
+BOOL WithRequest(HINTERNET handle, Operation operation) {
+  try {
+    const std::shared_ptr<Request> request = HandleTable::Get<Request>(handle);
+    if (request == nullptr) return FALSE;
+    const DWORD error = operation(*request);
+    return error == ERROR_SUCCESS ? TRUE : FailWith(error);
+  } catch (const std::bad_alloc&) {
+    return FailWith(ERROR_NOT_ENOUGH_MEMORY);
+  }
+}
+
+/// A block of header lines; `length` in characters, -1 (also as DWORD) for a null-ended text.
+std::string HeaderText(LPCWSTR text, DWORD length);
+
+/// The value of Accept for a null-ended list; empty for null.
+std::string AcceptHeader(const LPCWSTR* acceptTypes);
+
+/// The verb as bytes, "GET" for none.
+std::string VerbText(LPCWSTR verb);
+
+/// Whether a verb is one word that can stand in a request line.
+bool IsToken(std::string_view text);
+
+}  // namespace velandoc::http

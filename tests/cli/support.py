@@ -86,6 +86,7 @@ class Case(unittest.TestCase):
             VELANDOC_REGISTRY_DIR=str(self.registry), LC_ALL="C.UTF-8",
             KRB5CCNAME=str(self.folder / "no-tickets"))
         server.rules()
+        server.command("DELETE", "/site")
         server.command("DELETE", "/log")
 
     def run_program(self, program, *arguments, **options):

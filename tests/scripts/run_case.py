@@ -82,6 +82,7 @@ class StandIn:
 
     def prepare(self, rules):
         self.command("PUT", "/behaviour", rules or [])
+        self.command("DELETE", "/site")
         self.command("DELETE", "/log")
 
     def log(self):

@@ -128,6 +128,7 @@ StandInRequest RequestOf(const json& record) {
   request.method = BytesOf(record.at("method"));
   request.target = BytesOf(record.at("target"));
   request.host = BytesOf(record.at("host"));
+  if (record.contains("operation")) request.operation = BytesOf(record["operation"]);
   request.head = BytesOf(record.at("head"));
   if (record.contains("body")) request.body = BytesOf(record["body"]);
   request.bodyLength = record.at("body_length");
@@ -171,6 +172,14 @@ std::vector<StandInRequest> StandIn::Log() const {
 
 void StandIn::ClearLog() { Command("DELETE", "/log"); }
 
+void StandIn::SetSite(std::string_view json) { Command("PUT", "/site", json); }
+std::string StandIn::Site() const { return Command("GET", "/site"); }
+void StandIn::ResetSite() { Command("DELETE", "/site"); }
+
+void StandIn::SetCaller(std::string_view login) {
+  Command("PUT", "/caller", json{{"login", std::string(login)}}.dump());
+}
+
 void StandIn::SetCertificate(std::string_view kind) {
   const json value = kind.empty() ? json(nullptr) : json(std::string(kind));
   Command("PUT", "/certificate", json{{"kind", value}}.dump());
@@ -185,6 +194,7 @@ StandInStats StandIn::Stats() const {
 
 void StandIn::Reset() {
   ClearBehaviour();
+  ResetSite();
   SetCertificate({});
   SetRecording(true);
   ClearLog();

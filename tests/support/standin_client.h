@@ -23,6 +23,9 @@ struct StandInRequest {
   std::string method;
   std::string target;
   std::string host;
+  // The operation of a web service or the method of FrontPage RPC, without its version; empty for
+  // a request that is no call.
+  std::string operation;
   // The bytes from the request line to the empty line.
   std::string head;
   // The payload; empty for bodies above 64 KiB, which have a hash instead.
@@ -66,6 +69,14 @@ class StandIn {
   std::vector<StandInRequest> Log() const;
   void ClearLog();
 
+  // Replaces the SharePoint site by that of a JSON object; its state as such text; the site that
+  // the server started with.
+  void SetSite(std::string_view json);
+  std::string Site() const;
+  void ResetSite();
+  // Who comes without credentials, by login or by the part of it behind "\"; empty for nobody.
+  void SetCaller(std::string_view login);
+
   // What the https port shows for every name: "good", "expired", "notyet", "othername",
   // "unknownca", "selfsigned", "allwrong" or "clientcert". Empty: by the name asked for.
   void SetCertificate(std::string_view kind);
@@ -79,7 +90,7 @@ class StandIn {
   // connection. For tests of what is on the wire; ask for "Connection: close".
   std::string Exchange(std::uint16_t port, std::string_view bytes) const;
 
-  // Rules, log, forced certificate: all as after the start.
+  // Rules, log, site, forced certificate: all as after the start.
   void Reset();
 
  private:

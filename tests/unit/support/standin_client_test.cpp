@@ -54,6 +54,40 @@ TEST_F(StandInClientTest, BehaviourIsSetAddedAndCleared) {
   EXPECT_EQ(status(), "200");
 }
 
+TEST_F(StandInClientTest, SiteIsReplacedAndBroughtBack) {
+  StandIn server;
+  const StandInScope scope(server);
+  const auto mentions = [&](std::string_view text) {
+    return server.Site().find(text) != std::string::npos;
+  };
+  EXPECT_TRUE(mentions("Budget 2026.xlsx"));
+  server.SetCaller("john");
+  EXPECT_TRUE(mentions(R"("caller":"EXAMPLE\\john")"));
+  server.SetSite(R"({"caller": "ann", "users": [{"id": 1, "login": "ann", "name": "Ann"}]})");
+  EXPECT_TRUE(mentions(R"("caller":"ann")"));
+  EXPECT_FALSE(mentions("Budget 2026.xlsx"));
+  server.ResetSite();
+  EXPECT_TRUE(mentions(R"("caller":"EXAMPLE\\jane")"));
+}
+
+TEST_F(StandInClientTest, LogNamesTheOperation) {
+  StandIn server;
+  const StandInScope scope(server);
+  const auto call = [&](const std::string& headers, const std::string& body) {
+    server.Exchange(server.HttpPort(),
+                    "POST / HTTP/1.1\r\nHost: a\r\nConnection: close\r\n" + headers +
+                        "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
+  };
+  call("SOAPAction: http://schemas.microsoft.com/sharepoint/soap/GetListItems", "");
+  call("Content-Type: application/x-vermeer-urlencoded", "method=open+service");
+  call("X: y", "method=open+service");
+  const auto log = server.Log();
+  ASSERT_EQ(log.size(), 3u);
+  EXPECT_EQ(log[0].operation, "GetListItems");
+  EXPECT_EQ(log[1].operation, "open service");
+  EXPECT_EQ(log[2].operation, "");
+}
+
 TEST_F(StandInClientTest, ARefusedCommandThrowsWithTheReason) {
   StandIn server;
   const StandInScope scope(server);

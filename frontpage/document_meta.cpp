@@ -16,8 +16,6 @@ constexpr std::size_t kZoneLength = 5;
 // What differs from 0 by less than half a second is day 0 and no date before it.
 constexpr double kHalfSecondLimit = -1.0 / 172800.0;
 
-WideView ViewOf(LPCWSTR text) { return text != nullptr ? WideView(text) : WideView(); }
-
 WideView UpToNul(WideView text) { return text.substr(0, text.find(OLECHAR{0})); }
 
 /// The system's headers take the source of a conversion without const, and do not write to it.

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -16,9 +17,9 @@ namespace velandoc {
 
 /// Bytes below 256 as the units of the same number.
 inline WideString Widen(std::string_view bytes) {
-  WideString wide;
-  wide.reserve(bytes.size());
-  for (const char byte : bytes) wide += static_cast<OLECHAR>(static_cast<unsigned char>(byte));
+  WideString wide(bytes.size(), 0);
+  std::transform(bytes.begin(), bytes.end(), wide.begin(),
+                 [](char byte) { return static_cast<OLECHAR>(static_cast<unsigned char>(byte)); });
   return wide;
 }
 

@@ -61,10 +61,34 @@ Outcome Check(AuthScheme scheme, const Request& request, const AuthDemand& deman
   return {false, "Negotiate"};
 }
 
+// The same for all accounts of the demand, and whose credentials they are in `user`. The challenge,
+// and the state of an exchange that goes on, are those of the first account.
+Outcome CheckAccounts(AuthScheme scheme, const Request& request, const AuthDemand& demand,
+                      const Credentials& credentials, NtlmState& ntlm, std::string& user) {
+  const NtlmState before = ntlm;
+  Outcome first = Check(scheme, request, demand, credentials, ntlm);
+  if (first.isRight) {
+    user = demand.user;
+    return first;
+  }
+  for (const Account& account : demand.others) {
+    AuthDemand other = demand;
+    other.user = account.user;
+    other.password = account.password;
+    NtlmState state = before;
+    Outcome outcome = Check(scheme, request, other, credentials, state);
+    if (!outcome.isRight) continue;
+    ntlm = state;
+    user = account.user;
+    return outcome;
+  }
+  return first;
+}
+
 }  // namespace
 
 std::optional<Response> CheckCredentials(const Request& request, const AuthDemand& demand,
-                                         ConnectionAuth& connection) {
+                                         ConnectionAuth& connection, std::string& user) {
   const Credentials credentials = ReadCredentials(request, demand);
   NtlmState& ntlm = demand.isProxy ? connection.proxy : connection.origin;
   const int status = demand.isProxy ? 407 : 401;
@@ -72,7 +96,7 @@ std::optional<Response> CheckCredentials(const Request& request, const AuthDeman
       HtmlPage(status, UsualReason(status), "This address asks for a user name and a password.");
   const std::string_view name = demand.isProxy ? "Proxy-Authenticate" : "WWW-Authenticate";
   for (const AuthScheme scheme : demand.schemes) {
-    Outcome outcome = Check(scheme, request, demand, credentials, ntlm);
+    Outcome outcome = CheckAccounts(scheme, request, demand, credentials, ntlm, user);
     if (outcome.isRight) return std::nullopt;
     refusal.headers.push_back({std::string(name), std::move(outcome.challenge)});
   }

@@ -12,12 +12,20 @@ namespace velandoc::standin {
 
 enum class AuthScheme { kBasic, kDigest, kNtlm, kNegotiate };
 
+// UTF-8.
+struct Account {
+  std::string user;
+  std::string password;
+};
+
 // What a rule demands.
 struct AuthDemand {
   std::vector<AuthScheme> schemes;
-  // UTF-8.
+  // The account that one check is about.
   std::string user;
   std::string password;
+  // Further ones that are as good.
+  std::vector<Account> others;
   std::string realm = "stand-in";
   // Asks as a proxy: 407 and Proxy-Authenticate, in place of 401 and WWW-Authenticate.
   bool isProxy = false;
@@ -37,8 +45,9 @@ struct ConnectionAuth {
   NtlmState proxy;
 };
 
-// Nothing if the request carries what is demanded; else the answer that refuses it.
+// Nothing if the request carries what is demanded, and whose it is in `user`; else the answer that
+// refuses it.
 std::optional<Response> CheckCredentials(const Request& request, const AuthDemand& demand,
-                                         ConnectionAuth& connection);
+                                         ConnectionAuth& connection, std::string& user);
 
 }  // namespace velandoc::standin

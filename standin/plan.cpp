@@ -1,5 +1,7 @@
 #include "standin/plan.h"
 
+#include <utility>
+
 namespace velandoc::standin {
 
 Plan MakePlan(RuleBook& rules, const Request& request, ConnectionAuth& connection) {
@@ -8,9 +10,10 @@ Plan MakePlan(RuleBook& rules, const Request& request, ConnectionAuth& connectio
   while (const auto rule = rules.Next(request, position)) {
     const RuleActions& actions = rule->actions;
     if (actions.auth) {
-      plan.response = CheckCredentials(request, *actions.auth, connection);
+      std::string user;
+      plan.response = CheckCredentials(request, *actions.auth, connection, user);
       if (plan.response) return plan;
-      if (!actions.auth->isProxy) plan.user = actions.auth->user;
+      if (!actions.auth->isProxy) plan.user = std::move(user);
     }
     plan.delay += actions.delay;
     plan.interimStatuses.insert(plan.interimStatuses.end(), actions.interimStatuses.begin(),

@@ -125,7 +125,7 @@ AuthScheme ParseScheme(const std::string& name) {
 }
 
 AuthDemand ParseAuth(const json& object) {
-  CheckKeys(object, "auth", {"scheme", "user", "password", "realm", "proxy"});
+  CheckKeys(object, "auth", {"scheme", "user", "password", "others", "realm", "proxy"});
   AuthDemand demand;
   const json& scheme = object.at("scheme");
   if (scheme.is_array()) {
@@ -135,6 +135,11 @@ AuthDemand ParseAuth(const json& object) {
   }
   demand.user = object.value("user", "");
   demand.password = object.value("password", "");
+  const json others = object.value("others", json::object());
+  if (!others.is_object() || others.size() > 100)
+    throw std::invalid_argument("others has to be an object of 100 users at most");
+  for (const auto& [user, password] : others.items())
+    demand.others.push_back({user, password.get<std::string>()});
   demand.realm = object.value("realm", demand.realm);
   demand.isProxy = object.value("proxy", false);
   return demand;

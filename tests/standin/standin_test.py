@@ -17,7 +17,9 @@ from authentication_cases import *
 from behaviour_cases import *
 from certificate_cases import *
 from process_cases import *
+from rpc_cases import *
 from sharepoint_cases import *
+from site_cases import *
 from wire_cases import *
 
 

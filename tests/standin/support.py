@@ -121,10 +121,10 @@ class StandInTest(unittest.TestCase):
             headers[name.replace("_", "-")] = value
         return self.request("POST", path, body, {n: v for n, v in headers.items() if v is not None})
 
-    def curl(self, *arguments, ok=True):
-        """Status of the last answer, or curl's exit code."""
+    def curl(self, *arguments, ok=True, output=os.devnull):
+        """Status of the last answer, whose body goes to the file `output`, or curl's exit code."""
         result = subprocess.run(
-            ["curl", "-sS", "--noproxy", "", "-m", "20", "-o", os.devnull, "-w", "%{http_code}"]
+            ["curl", "-sS", "--noproxy", "", "-m", "20", "-o", output, "-w", "%{http_code}"]
             + ["--cacert", os.path.join(certificates, "ca.pem")]
             + list(arguments),
             capture_output=True,

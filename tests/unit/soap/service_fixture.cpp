@@ -11,6 +11,9 @@ namespace {
 
 constexpr char kEnvelopeNamespace[] = "http://schemas.xmlsoap.org/soap/envelope/";
 
+// What the connection asks for at a time.
+constexpr std::size_t kReadSize = 8192;
+
 // Equal neighbours become one entry with their count.
 class OutcomeList {
  public:
@@ -40,7 +43,13 @@ class OutcomeList {
 
 }  // namespace
 
-Answer ServiceTest::Xml(std::string text) { return Answer{.chunks = {std::move(text)}}; }
+Answer ServiceTest::Xml(const std::string& text) {
+  Answer answer;
+  for (std::size_t at = 0; at < text.size(); at += kReadSize) {
+    answer.chunks.push_back(text.substr(at, kReadSize));
+  }
+  return answer;
+}
 
 std::string ServiceTest::Envelope(const std::string& content) {
   return std::string("<?xml version=\"1.0\" encoding=\"utf-8\"?>") +

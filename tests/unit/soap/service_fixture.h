@@ -18,8 +18,8 @@ inline constexpr char kDirectory[] = "http://schemas.microsoft.com/sharepoint/so
 
 class ServiceTest : public ::testing::Test {
  protected:
-  /// One answer of status 200.
-  static Answer Xml(std::string text);
+  /// One answer of status 200, in reads of the usual size.
+  static Answer Xml(const std::string& text);
   /// The answer of a server that writes one line with a declaration. `content` stands in the body.
   static std::string Envelope(const std::string& content);
   /// The same content as other servers wrap it: with other prefixes, a header, no declaration, and

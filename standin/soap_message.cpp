@@ -106,6 +106,11 @@ std::optional<SoapCall> ParseSoapCall(std::string_view xml, std::string& problem
     problem = "The request is not well-formed XML.";
     return std::nullopt;
   }
+  // SOAP has no document types; without them there are no entities that could grow.
+  if (document->intSubset) {
+    problem = "The request has a document type.";
+    return std::nullopt;
+  }
   xmlNode* envelope = xmlDocGetRootElement(document.get());
   xmlNode* body = IsSoap(envelope, "Envelope") ? FindBody(envelope) : nullptr;
   if (!body) {

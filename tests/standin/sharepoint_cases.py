@@ -66,6 +66,10 @@ class SharePointTest(SiteTest):
             ({"body": CALL.replace(b"sharepoint/soap/", b"sharepoint/soap")}, "service namespace"),
             ({"body": CALL.replace(b"GetListCollection", b"getListCollection")}, "method"),
             ({"body": CALL.replace(b'"/>', b'"><a/></GetListCollection>')}, "parameter"),
+            ({"body": b"<!DOCTYPE a [<!ENTITY b 'c'>]>" + CALL}, "document type"),
+            ({"body": CALL.replace(b"<soap:Body>", b"<soap:Body><a/>")}, "two calls"),
+            ({"body": CALL.replace(b'"/>', b'">' + b"<a>" * 10_000 + b"</a>" * 10_000 + b"</GetListCollection>")},
+             "deep nesting"),
         ]
         for changes, why in cases:
             with self.subTest(why):

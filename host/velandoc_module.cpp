@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "document/client.h"
 #include "document/server_check.h"
 #include "velandoc_idl.h"
 
@@ -21,6 +22,7 @@ std::span<_ATL_OBJMAP_ENTRY> CVelandocModule::GetObjectMap() {
   // Registration walks the classes in this order, which is fixed: Client (103), HdfsClient (109),
   // HdfsClientWinHttp (110), ServerCheck (108), each from the day it exists.
   static std::array map = {
+      AtlObjectEntry<CClient>(103),
       AtlObjectEntry<CServerCheck>(108),
   };
   return map;

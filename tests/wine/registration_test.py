@@ -15,7 +15,10 @@ import sys
 import tempfile
 
 APP_ID = "{91509BD2-09D1-4F79-B147-D5EF6C90DB1C}"
-CLASS_ID = "{1D477FCE-048A-4657-BFDF-6DD165043E36}"
+CLASSES = (
+    ("Client", "{6884BC45-2A7D-4747-AF48-A5EECC5BF9A9}"),
+    ("ServerCheck", "{1D477FCE-048A-4657-BFDF-6DD165043E36}"),
+)
 # The interfaces by name, with their methods counted from IUnknown's on. The first one's id is the proxies' class id.
 PROXY_ID = "{9989FD0D-43C5-4FA7-B6D7-020A323FEF2D}"
 INTERFACES = (
@@ -39,6 +42,8 @@ try {
   var check = new ActiveXObject("Velandoc.ServerCheck");
   WScript.Echo("made");
   WScript.Echo("answer " + check.Check("a name without a scheme"));
+  var client = new ActiveXObject("Velandoc.Client");
+  WScript.Echo("status " + client.GetCheckOutStatus());
 } catch (e) {
   WScript.Echo("error " + (e.number >>> 0).toString(16) + " " + e.message);
 }
@@ -111,22 +116,26 @@ def quoted(text: str) -> str:
 
 def script_keys(root: str, path: str) -> dict[str, dict[str, str]]:
     """What the registry scripts write below `root`."""
-    clsid = rf"{root}\clsid\{CLASS_ID}"
     keys = {
         rf"{root}\appid\{APP_ID}": {"@": "Velandoc"},
         rf"{root}\appid\Velandoc.DLL": {"appid": APP_ID},
-        clsid: {"@": "ServerCheck Class"},
-        rf"{clsid}\ProgID": {"@": "Velandoc.ServerCheck.1"},
-        rf"{clsid}\VersionIndependentProgID": {"@": "Velandoc.ServerCheck"},
-        rf"{clsid}\Programmable": {},
-        rf"{clsid}\InprocServer32": {"@": path, "threadingmodel": "Apartment"},
-        rf"{clsid}\TypeLib": {"@": LIBRARY_ID},
-        rf"{root}\Velandoc.ServerCheck": {"@": "ServerCheck Class"},
-        rf"{root}\Velandoc.ServerCheck\CLSID": {"@": CLASS_ID},
-        rf"{root}\Velandoc.ServerCheck\CurVer": {"@": "Velandoc.ServerCheck.1"},
-        rf"{root}\Velandoc.ServerCheck.1": {"@": "ServerCheck Class"},
-        rf"{root}\Velandoc.ServerCheck.1\CLSID": {"@": CLASS_ID},
     }
+    for name, identifier in CLASSES:
+        clsid = rf"{root}\clsid\{identifier}"
+        prog_id = f"Velandoc.{name}"
+        keys |= {
+            clsid: {"@": f"{name} Class"},
+            rf"{clsid}\ProgID": {"@": f"{prog_id}.1"},
+            rf"{clsid}\VersionIndependentProgID": {"@": prog_id},
+            rf"{clsid}\Programmable": {},
+            rf"{clsid}\InprocServer32": {"@": path, "threadingmodel": "Apartment"},
+            rf"{clsid}\TypeLib": {"@": LIBRARY_ID},
+            rf"{root}\{prog_id}": {"@": f"{name} Class"},
+            rf"{root}\{prog_id}\CLSID": {"@": identifier},
+            rf"{root}\{prog_id}\CurVer": {"@": f"{prog_id}.1"},
+            rf"{root}\{prog_id}.1": {"@": f"{name} Class"},
+            rf"{root}\{prog_id}.1\CLSID": {"@": identifier},
+        }
     return {key.lower(): {name: quoted(data) for name, data in values.items()}
             for key, values in keys.items()}
 
@@ -209,8 +218,8 @@ def run(prefix: Prefix, dll: pathlib.Path, checks: Checks) -> None:
                  script_keys(machine, path) | system_keys(machine, path))
 
     said = prefix.run(*cscript)[1]
-    checks.equal("a script makes the object by its ProgID",
-                 said.split("\n")[:3], ["made", "answer false", "end"])
+    checks.equal("a script makes the objects by their ProgIDs",
+                 said.split("\n")[:4], ["made", "answer false", "status -1", "end"])
 
     checks.equal("regsvr32 /u succeeds", prefix.run("regsvr32", "/s", "/u", path)[0], 0)
     checks.equal("regsvr32 /u leaves the registry as it was",

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "host/velandoc_module.h"
 #include "platform/mfc/module_state.h"
 #include "platform/module_path.h"
@@ -28,39 +30,40 @@ std::string ModulePath() {
   return narrow;
 }
 
-/// What the scripts of a whole registration leave below `root`.
+/// What the scripts of a whole registration leave below `root`, in the order of the names.
 Lines Registered(const std::string& root) {
-  const std::string clsid = "{1D477FCE-048A-4657-BFDF-6DD165043E36}";
+  struct {
+    std::string name;
+    std::string clsid;
+  } const classes[] = {{"ServerCheck", "{1D477FCE-048A-4657-BFDF-6DD165043E36}"},
+                       {"Client", "{6884BC45-2A7D-4747-AF48-A5EECC5BF9A9}"}};
   const std::string appId = "{91509BD2-09D1-4F79-B147-D5EF6C90DB1C}";
-  const std::string key = root + "\\CLSID\\" + clsid;
-  return {root + "\\AppID",
-          root + "\\AppID\\Velandoc.DLL",
-          root + "\\AppID\\Velandoc.DLL\\[AppID]=" + appId,
-          root + "\\AppID\\" + appId,
-          root + "\\AppID\\" + appId + "\\[]=Velandoc",
-          root + "\\CLSID",
-          key,
-          key + "\\[]=ServerCheck Class",
-          key + "\\InprocServer32",
-          key + "\\InprocServer32\\[]=" + ModulePath(),
-          key + "\\InprocServer32\\[ThreadingModel]=Apartment",
-          key + "\\ProgID",
-          key + "\\ProgID\\[]=Velandoc.ServerCheck.1",
-          key + "\\Programmable",
-          key + "\\TypeLib",
-          key + "\\TypeLib\\[]={6EF447E8-DEC4-47C3-B65D-7B776C644F1D}",
-          key + "\\VersionIndependentProgID",
-          key + "\\VersionIndependentProgID\\[]=Velandoc.ServerCheck",
-          root + "\\Velandoc.ServerCheck",
-          root + "\\Velandoc.ServerCheck\\[]=ServerCheck Class",
-          root + "\\Velandoc.ServerCheck\\CLSID",
-          root + "\\Velandoc.ServerCheck\\CLSID\\[]=" + clsid,
-          root + "\\Velandoc.ServerCheck\\CurVer",
-          root + "\\Velandoc.ServerCheck\\CurVer\\[]=Velandoc.ServerCheck.1",
-          root + "\\Velandoc.ServerCheck.1",
-          root + "\\Velandoc.ServerCheck.1\\[]=ServerCheck Class",
-          root + "\\Velandoc.ServerCheck.1\\CLSID",
-          root + "\\Velandoc.ServerCheck.1\\CLSID\\[]=" + clsid};
+  Lines lines = {root + "\\AppID",
+                 root + "\\AppID\\Velandoc.DLL",
+                 root + "\\AppID\\Velandoc.DLL\\[AppID]=" + appId,
+                 root + "\\AppID\\" + appId,
+                 root + "\\AppID\\" + appId + "\\[]=Velandoc",
+                 root + "\\CLSID"};
+  const auto add = [&lines](const std::string& key, const Lines& below) {
+    lines.push_back(key);
+    for (const std::string& line : below) lines.push_back(key + "\\" + line);
+  };
+  for (const auto& [name, clsid] : classes) {
+    add(root + "\\CLSID\\" + clsid,
+        {"[]=" + name + " Class", "InprocServer32", "InprocServer32\\[]=" + ModulePath(),
+         "InprocServer32\\[ThreadingModel]=Apartment", "ProgID",
+         "ProgID\\[]=Velandoc." + name + ".1", "Programmable", "TypeLib",
+         "TypeLib\\[]={6EF447E8-DEC4-47C3-B65D-7B776C644F1D}", "VersionIndependentProgID",
+         "VersionIndependentProgID\\[]=Velandoc." + name});
+  }
+  // "Client" is before "ServerCheck", whose class id is before the other's.
+  for (const auto* entry : {&classes[1], &classes[0]}) {
+    const std::string name = root + "\\Velandoc." + entry->name;
+    add(name, {"[]=" + entry->name + " Class", "CLSID", "CLSID\\[]=" + entry->clsid, "CurVer",
+               "CurVer\\[]=Velandoc." + entry->name + ".1"});
+    add(name + ".1", {"[]=" + entry->name + " Class", "CLSID", "CLSID\\[]=" + entry->clsid});
+  }
+  return lines;
 }
 
 class ExportsTest : public testing::Test {
@@ -89,11 +92,17 @@ TEST_F(ExportsTest, RegisteringWritesTheKeys) {
   EXPECT_EQ(runtime.library.lcid, 0x409U);
 }
 
-TEST_F(ExportsTest, TheAppIdIsRegisteredBeforeTheClasses) {
+TEST_F(ExportsTest, TheAppIdIsRegisteredBeforeTheClassesInTheirOrder) {
   ASSERT_EQ(DllRegisterServer(), S_OK);
   ASSERT_GT(registry.changes.size(), 6U);
   EXPECT_EQ(registry.changes[0], "create HKCR\\AppID");
-  EXPECT_EQ(registry.changes[5], "create HKCR\\Velandoc.ServerCheck.1");
+  EXPECT_EQ(registry.changes[5], "create HKCR\\Velandoc.Client.1");
+  const auto client =
+      std::find(registry.changes.begin(), registry.changes.end(), "create HKCR\\Velandoc.Client");
+  const auto check = std::find(registry.changes.begin(), registry.changes.end(),
+                               "create HKCR\\Velandoc.ServerCheck.1");
+  EXPECT_LT(client, check);
+  EXPECT_NE(check, registry.changes.end());
 }
 
 TEST_F(ExportsTest, UnregisteringTakesTheKeysOut) {
@@ -102,7 +111,7 @@ TEST_F(ExportsTest, UnregisteringTakesTheKeysOut) {
   registry.changes.clear();
   EXPECT_EQ(DllUnregisterServer(), S_OK);
   EXPECT_THAT(registry.Dump(), ElementsAre("HKCR\\AppID", "HKCR\\CLSID"));
-  EXPECT_EQ(registry.changes.front(), "delete HKCR\\Velandoc.ServerCheck.1\\CLSID");
+  EXPECT_EQ(registry.changes.front(), "delete HKCR\\Velandoc.Client.1\\CLSID");
   EXPECT_EQ(registry.changes.back(), "delete HKCR\\AppID\\Velandoc.DLL") << "the AppID goes last";
   // The proxies are registered once more before they are removed.
   EXPECT_THAT(runtime.calls,
@@ -240,6 +249,10 @@ TEST_F(ExportsTest, ClassesAreServedBehindTheProxies) {
   EXPECT_EQ(factory->CreateInstance(nullptr, IID_IServerCheck, check.ReceiveVoid()), S_OK);
   ComPtr<IDispatch> dispatch;
   EXPECT_EQ(check->QueryInterface(IID_IDispatch, dispatch.ReceiveVoid()), S_OK);
+  ASSERT_EQ(DllGetClassObject(CLSID_Client, IID_IClassFactory, factory.ReceiveVoid()), S_OK);
+  ComPtr<IClient> client;
+  EXPECT_EQ(factory->CreateInstance(nullptr, IID_IClient, client.ReceiveVoid()), S_OK);
+  EXPECT_EQ(client->QueryInterface(IID_IDispatch, dispatch.ReceiveVoid()), S_OK);
 }
 
 TEST_F(ExportsTest, UnknownClassesAreNotServed) {

@@ -90,6 +90,24 @@ std::string Expected(const std::string& root) {
 [ROOT\CLSID\{1D477FCE-048A-4657-BFDF-6DD165043E36}\VersionIndependentProgID]
 @="Velandoc.ServerCheck"
 
+[ROOT\CLSID\{6884BC45-2A7D-4747-AF48-A5EECC5BF9A9}]
+@="Client Class"
+
+[ROOT\CLSID\{6884BC45-2A7D-4747-AF48-A5EECC5BF9A9}\InprocServer32]
+@="MODULE"
+"ThreadingModel"="Apartment"
+
+[ROOT\CLSID\{6884BC45-2A7D-4747-AF48-A5EECC5BF9A9}\ProgID]
+@="Velandoc.Client.1"
+
+[ROOT\CLSID\{6884BC45-2A7D-4747-AF48-A5EECC5BF9A9}\Programmable]
+
+[ROOT\CLSID\{6884BC45-2A7D-4747-AF48-A5EECC5BF9A9}\TypeLib]
+@="{6EF447E8-DEC4-47C3-B65D-7B776C644F1D}"
+
+[ROOT\CLSID\{6884BC45-2A7D-4747-AF48-A5EECC5BF9A9}\VersionIndependentProgID]
+@="Velandoc.Client"
+
 [ROOT\Interface]
 
 [ROOT\Interface\{3BA03214-9530-4099-99D4-5FD7962D2088}]
@@ -135,6 +153,21 @@ std::string Expected(const std::string& root) {
 
 [ROOT\TypeLib\{6EF447E8-DEC4-47C3-B65D-7B776C644F1D}\1.0\HELPDIR]
 @="FOLDER/"
+
+[ROOT\Velandoc.Client]
+@="Client Class"
+
+[ROOT\Velandoc.Client\CLSID]
+@="{6884BC45-2A7D-4747-AF48-A5EECC5BF9A9}"
+
+[ROOT\Velandoc.Client\CurVer]
+@="Velandoc.Client.1"
+
+[ROOT\Velandoc.Client.1]
+@="Client Class"
+
+[ROOT\Velandoc.Client.1\CLSID]
+@="{6884BC45-2A7D-4747-AF48-A5EECC5BF9A9}"
 
 [ROOT\Velandoc.ServerCheck]
 @="ServerCheck Class"
@@ -206,10 +239,13 @@ TEST_F(PosixRegistrationTest, ABrokenFileIsReportedAndKept) {
 
 TEST_F(PosixRegistrationTest, ProgIdsWorkFromTheFiles) {
   ASSERT_EQ(DllRegisterServer(), S_OK);
-  for (const LPCOLESTR progId : {u"Velandoc.ServerCheck", u"Velandoc.ServerCheck.1"}) {
+  for (const auto& [progId, expected] : {std::pair(u"Velandoc.ServerCheck", CLSID_ServerCheck),
+                                         std::pair(u"Velandoc.ServerCheck.1", CLSID_ServerCheck),
+                                         std::pair(u"Velandoc.Client", CLSID_Client),
+                                         std::pair(u"Velandoc.Client.1", CLSID_Client)}) {
     CLSID clsid{};
     EXPECT_EQ(CLSIDFromProgID(progId, &clsid), S_OK);
-    EXPECT_EQ(clsid, CLSID_ServerCheck);
+    EXPECT_EQ(clsid, expected);
   }
 }
 

@@ -1,0 +1,107 @@
+// The Shell port on Linux. A mapped drive is a link to a folder on a WebDAV mount; a UNC name is
+// read by its own form; a path of this machine is looked up among the mounts.
+#include "platform/shell.h"
+
+#include <algorithm>
+#include <cerrno>
+
+#include "platform/code_page.h"
+#include "platform/posix/shell/dos_devices.h"
+#include "platform/posix/shell/local_path.h"
+#include "platform/posix/shell/split_path.h"
+#include "platform/posix/shell/webdav_place.h"
+
+namespace velandoc {
+namespace {
+
+constexpr DWORD kErrorBadDevice = 1200;
+constexpr DWORD kErrorNotConnected = 2250;
+
+std::string ToUtf8(WideView text) {
+  CodePage& codePage = SystemPort<CodePage>();
+  const int size = static_cast<int>(text.size());
+  const int count =
+      codePage.WideCharToMultiByte(CP_UTF8, 0, text.data(), size, nullptr, 0, nullptr, nullptr);
+  std::string bytes(static_cast<std::size_t>(count), '\0');
+  codePage.WideCharToMultiByte(CP_UTF8, 0, text.data(), size, bytes.data(), count, nullptr,
+                               nullptr);
+  return bytes;
+}
+
+WideString FromUtf8(const std::string& bytes) {
+  CodePage& codePage = SystemPort<CodePage>();
+  const int size = static_cast<int>(bytes.size());
+  const int count = codePage.MultiByteToWideChar(CP_UTF8, 0, bytes.data(), size, nullptr, 0);
+  WideString text(static_cast<std::size_t>(count), u'\0');
+  codePage.MultiByteToWideChar(CP_UTF8, 0, bytes.data(), size, text.data(), count);
+  return text;
+}
+
+/// `*size` is the buffer's, then the text's with its terminator.
+DWORD Store(const WideString& text, LPWSTR buffer, DWORD* size, DWORD noRoom) {
+  const auto needed = static_cast<DWORD>(text.size() + 1);
+  const bool fits = buffer != nullptr && needed <= *size;
+  *size = needed;
+  if (!fits) return noRoom;
+  std::copy_n(text.c_str(), needed, buffer);
+  return ERROR_SUCCESS;
+}
+
+bool StorePart(WideView part, LPWSTR buffer, std::size_t size) {
+  if (part.size() >= size) return false;
+  *std::copy(part.begin(), part.end(), buffer) = u'\0';
+  return true;
+}
+
+std::optional<WebDavPlace> PlaceOf(WideView path) {
+  if (path.empty()) return std::nullopt;
+  const std::string name = ToUtf8(path);
+  // A backslash is a letter of file names here; a path that begins with one is no local one, but
+  // what is left of a path on a drive that has none.
+  return name.front() == '\\' ? PlaceOfUncName(name) : PlaceOfLocalPath(name);
+}
+
+class PosixShell final : public Shell {
+ public:
+  int _wsplitpath_s(LPCWSTR path, LPWSTR drive, std::size_t driveSize, LPWSTR folder,
+                    std::size_t folderSize, LPWSTR name, std::size_t nameSize, LPWSTR extension,
+                    std::size_t extensionSize) override {
+    const PathParts parts = SplitPath(path);
+    if (StorePart(parts.drive, drive, driveSize) && StorePart(parts.folder, folder, folderSize) &&
+        StorePart(parts.name, name, nameSize) &&
+        StorePart(parts.extension, extension, extensionSize)) {
+      return 0;
+    }
+    for (const LPWSTR part : {drive, folder, name, extension}) *part = u'\0';
+    return ERANGE;
+  }
+
+  DWORD WNetGetConnectionW(LPCWSTR localName, LPWSTR remoteName, DWORD* size) override {
+    const WideView device = localName;
+    const bool isDrive =
+        device.size() == 2 && device[1] == u':' &&
+        ((device[0] >= u'A' && device[0] <= u'Z') || (device[0] >= u'a' && device[0] <= u'z'));
+    if (!isDrive) return kErrorBadDevice;
+    const auto folder = FindDriveFolder(static_cast<char>(device[0]));
+    if (!folder) return kErrorNotConnected;
+    const auto place = PlaceOfLocalPath(*folder);
+    if (!place) return kErrorNotConnected;
+    return Store(FromUtf8(place->UncName()), remoteName, size, ERROR_MORE_DATA);
+  }
+
+  DWORD DavGetHTTPFromUNCPath(LPCWSTR uncPath, LPWSTR url, DWORD* size) override {
+    const auto place = PlaceOf(uncPath);
+    if (!place) return ERROR_INVALID_PARAMETER;
+    return Store(FromUtf8(place->Url()), url, size, ERROR_INSUFFICIENT_BUFFER);
+  }
+};
+
+}  // namespace
+
+template <>
+Shell& SystemPort<Shell>() {
+  static PosixShell port;
+  return port;
+}
+
+}  // namespace velandoc

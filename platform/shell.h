@@ -1,0 +1,38 @@
+// The Shell port: the operations that turn a path into the place that it stands for, under the
+// system's names, with its arguments and results. Sizes are in characters.
+#pragma once
+
+#include "platform/com.h"
+#include "platform/port.h"
+
+namespace velandoc {
+
+class Shell {
+ public:
+  virtual ~Shell() = default;
+
+  /// Splits `path` into drive ("Z:"), folder with its last separator, name, and extension with its
+  /// dot; "\" and "/" both separate. 0; or ERANGE, with all four texts empty, if one of them does
+  /// not fit its buffer.
+  virtual int _wsplitpath_s(LPCWSTR path, LPWSTR drive, std::size_t driveSize, LPWSTR folder,
+                            std::size_t folderSize, LPWSTR name, std::size_t nameSize,
+                            LPWSTR extension, std::size_t extensionSize) = 0;
+
+  /// The UNC name behind a drive such as "Z:". ERROR_SUCCESS; else an error, `remoteName` being as
+  /// it was: ERROR_NOT_CONNECTED for a drive with none, ERROR_BAD_DEVICE for what is no drive,
+  /// ERROR_MORE_DATA with the size needed in `*size`.
+  virtual DWORD WNetGetConnectionW(LPCWSTR localName, LPWSTR remoteName, DWORD* size) = 0;
+
+  /// The URL of a UNC name on a WebDAV share, "\\server[@SSL][@port]\...". `*size` is the buffer's
+  /// size, then that of the text with its terminator. ERROR_SUCCESS; else an error, `url` being as
+  /// it was: ERROR_INVALID_PARAMETER for any other text, ERROR_INSUFFICIENT_BUFFER.
+  ///
+  /// On Linux the path of a file below a WebDAV mount has a URL too, and the pseudo share
+  /// DavWWWRoot does not become a part of it.
+  virtual DWORD DavGetHTTPFromUNCPath(LPCWSTR uncPath, LPWSTR url, DWORD* size) = 0;
+};
+
+template <>
+Shell& SystemPort<Shell>();
+
+}  // namespace velandoc

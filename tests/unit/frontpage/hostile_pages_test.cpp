@@ -95,7 +95,7 @@ TEST_F(HostilePages, WorkGrowsWithTheSizeOfThePage) {
       const std::clock_t begin = std::clock();
       EXPECT_TRUE(Read(page));
       // Shorter times say nothing.
-      return std::max(std::clock() - begin, CLOCKS_PER_SEC / 50);
+      return std::max<std::clock_t>(std::clock() - begin, CLOCKS_PER_SEC / 50);
     };
     // Four times the page takes four times as long, or sixteen if the time grows with its square.
     constexpr std::size_t count = 5'000;

@@ -401,7 +401,10 @@ class OperationTest(SiteTest):
     """Each request of an open, of a check-out and of an update can be named."""
 
     def requests(self):
-        meta = "method=getDocsMetaInfo%3a12.0.0.6665&service_name=%2f&url_list=%5b{}%5d&listHiddenDocs=false&listLinkInfo=true"
+        meta = (
+            "method=getDocsMetaInfo%3a12.0.0.6665&service_name=%2f&url_list=%5b{}%5d"
+            "&listHiddenDocs=false&listLinkInfo=true"
+        )
         page = elements(pageUrl=FOLDER_URL + "b.xlsx")
         content_type = elements(listName=LIBRARY, contentTypeId="0x01")
         calls = [

@@ -1,7 +1,10 @@
-// The Gregorian calendar, reckoned back before its introduction as OLE Automation does.
+// The Gregorian calendar, reckoned back before its introduction as OLE Automation does. Exported
+// for the unit tests.
 #pragma once
 
 #include <cstdint>
+
+#include "platform/posix/com/types.h"
 
 namespace velandoc {
 
@@ -12,16 +15,16 @@ struct CalendarDay {
 };
 
 /// 28 to 31, for a month of 1 to 12.
-std::int64_t DaysInMonth(std::int64_t year, std::int64_t month);
+COM_EXPORT std::int64_t DaysInMonth(std::int64_t year, std::int64_t month);
 
 /// Days from 30 December 1899, the day 0 of a DATE. For years from 1 on; the day may lie outside
 /// its month.
-std::int64_t CountOfDay(const CalendarDay& day);
+COM_EXPORT std::int64_t CountOfDay(const CalendarDay& day);
 /// The inverse, for the same years.
-CalendarDay DayOfCount(std::int64_t daysFromEpoch);
+COM_EXPORT CalendarDay DayOfCount(std::int64_t daysFromEpoch);
 
 /// 0 for Sunday to 6.
-int WeekdayOfCount(std::int64_t daysFromEpoch);
+COM_EXPORT int WeekdayOfCount(std::int64_t daysFromEpoch);
 
 /// A year as a text gives it: below 100 it is one of the hundred years up to
 /// kLastTwoDigitYear, the window of Windows 10 and later. Older releases end it in 2029.

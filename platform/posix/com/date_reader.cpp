@@ -39,6 +39,11 @@ struct Token {
 
 bool IsDigit(OLECHAR unit) { return unit >= '0' && unit <= '9'; }
 
+bool IsLetter(OLECHAR unit) {
+  const OLECHAR lower = ToAsciiLower(unit);
+  return lower >= 'a' && lower <= 'z';
+}
+
 class Tokenizer {
  public:
   explicit Tokenizer(WideView text) : m_text(text) {}
@@ -48,7 +53,7 @@ class Tokenizer {
     if (m_text.empty()) return {Kind::kEnd, 0};
     const OLECHAR unit = m_text.front();
     if (IsDigit(unit)) return Number();
-    if (const std::optional<Token> name = Name()) return *name;
+    if (IsLetter(unit)) return Name();
     m_text.remove_prefix(1);
     if (unit == '/' || unit == '-') return {Kind::kDateSign, 0};
     if (unit == ':' || unit == '.') return {Kind::kTimeSign, 0};
@@ -81,12 +86,12 @@ class Tokenizer {
     return 0;
   }
 
-  std::optional<Token> Name() {
-    if (const std::int64_t month = TakeOneOf(kMonths)) return Token{Kind::kMonth, month};
-    if (TakeOneOf(kWeekdays) != 0) return Token{Kind::kWeekday, 0};
-    if (Take(OLESTR("am")) || Take(OLESTR("a"))) return Token{Kind::kAm, 0};
-    if (Take(OLESTR("pm")) || Take(OLESTR("p"))) return Token{Kind::kPm, 0};
-    return std::nullopt;
+  Token Name() {
+    if (const std::int64_t month = TakeOneOf(kMonths)) return {Kind::kMonth, month};
+    if (TakeOneOf(kWeekdays) != 0) return {Kind::kWeekday, 0};
+    if (Take(OLESTR("am")) || Take(OLESTR("a"))) return {Kind::kAm, 0};
+    if (Take(OLESTR("pm")) || Take(OLESTR("p"))) return {Kind::kPm, 0};
+    return {Kind::kBad, 0};
   }
 
   WideView m_text;

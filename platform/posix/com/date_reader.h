@@ -19,7 +19,7 @@ namespace velandoc {
 ///   - a comma is white space, except at the end, where it stands for a part that is missing.
 /// False, with `date` untouched, for all else: fractions of a second, zones, a "T" in the middle,
 /// ordinals, and digits beyond ASCII. Takes time linear in the text, and no memory.
-bool ReadDateText(WideView text, std::int64_t currentYear, DATE& date);
+COM_EXPORT bool ReadDateText(WideView text, std::int64_t currentYear, DATE& date);
 
 /// The year of the local time.
 std::int64_t CurrentYear();

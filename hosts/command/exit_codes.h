@@ -5,12 +5,17 @@ namespace velandoc {
 
 enum ExitCode : int {
   kExitSuccess = 0,
-  kExitNo = 1,            // asked and answered: at least one answer is "no"
-  kExitUsage = 2,         // the command line is wrong; nothing was sent
-  kExitNoComponent = 3,   // the component cannot be created
-  kExitRegistration = 4,  // registering or unregistering failed
-  kExitOutput = 5,        // the standard output cannot be written
-  kExitFailure = 6,       // a call of the component failed
+  kExitNo = 1,              // asked and answered: at least one answer is "no"
+  kExitUsage = 2,           // the command line is wrong; nothing was sent
+  kExitNoComponent = 3,     // the component cannot be created
+  kExitRegistration = 4,    // registering or unregistering failed
+  kExitOutput = 5,          // the standard output cannot be written
+  kExitFailure = 6,         // a call of the component failed
+  kExitNotOpened = 7,       // no such document, or its server cannot be asked
+  kExitIncomplete = 8,      // a part of the document did not arrive
+  kExitUnknownName = 9,     // the document has no key or column of this name; nothing was written
+  kExitHeldByCaller = 10,   // doc status: checked out to the caller
+  kExitHeldByAnother = 11,  // doc status: checked out to somebody else
 };
 
 }  // namespace velandoc

@@ -1,8 +1,9 @@
-// velandoc, the command: a host like any other, which makes the component's objects by their
-// ProgIDs.
+// velandoc, the command: a host of the component. It makes the objects by their ProgIDs where their
+// interfaces tell all that it shows, and of the component's own classes where they do not (doc).
 #include <exception>
 
 #include "hosts/com_apartment.h"
+#include "hosts/command/doc_command.h"
 #include "hosts/command/exit_codes.h"
 #include "hosts/command/options.h"
 #include "hosts/command/probe_command.h"
@@ -21,8 +22,14 @@ int Run(int argc, char** argv) {
   // Read by the component where it would ask on the terminal.
   if (parsed.options.noInput) SetEnvironment("VELANDOC_NO_INPUT", "1");
   const ComApartment apartment;
-  return parsed.options.action == Action::kProbe ? RunProbe(parsed.options)
-                                                 : RunRegistration(parsed.options);
+  switch (parsed.options.action) {
+    case Action::kProbe:
+      return RunProbe(parsed.options);
+    case Action::kDoc:
+      return RunDoc(parsed.options);
+    default:
+      return RunRegistration(parsed.options);
+  }
 }
 
 }  // namespace

@@ -11,18 +11,70 @@
 namespace velandoc {
 namespace {
 
-constexpr char kDescription[] = "Asks SharePoint servers, through the Velandoc component.";
+constexpr char kDescription[] =
+    "Works with documents on SharePoint servers, through the Velandoc component.";
 constexpr char kFooter[] =
     "Exit codes:\n"
-    "  0  success; probe: every URL is on a SharePoint server\n"
-    "  1  probe: at least one URL is not\n"
-    "  2  the command line is wrong; nothing was sent\n"
-    "  3  the component cannot be created\n"
-    "  4  registering or unregistering failed\n"
-    "  5  the output cannot be written\n"
-    "  6  a call of the component failed\n";
+    "   0  success; probe: every URL is on a SharePoint server;\n"
+    "      doc status: nobody holds the document\n"
+    "   1  probe: at least one URL is not; doc: the server refused\n"
+    "   2  the command line is wrong; nothing was sent\n"
+    "   3  the component cannot be created\n"
+    "   4  registering or unregistering failed\n"
+    "   5  the output cannot be written\n"
+    "   6  a call of the component failed\n"
+    "   7  doc: the document cannot be opened\n"
+    "   8  doc: a part of the document did not arrive\n"
+    "   9  doc meta, doc set: the document has no key or column of that name\n"
+    "  10  doc status: you hold the document\n"
+    "  11  doc status: somebody else holds it\n";
 constexpr char kUserHelp[] =
     "For this user alone; without it for all users, which needs root or administrator rights";
+
+constexpr char kTargetHelp[] =
+    "The document: its http:// or https:// URL, or its path on a WebDAV share (UNC, mapped drive, "
+    "mounted folder)";
+
+struct DocCommand {
+  const char* name;
+  DocAction action;
+  const char* description;
+};
+constexpr DocCommand kDocCommands[] = {
+    {"show", DocAction::kShow, "Print everything that is known of the document"},
+    {"meta", DocAction::kMeta, "Print its meta-info, all of it or the given keys"},
+    {"status", DocAction::kStatus, "Tell who holds it, since when, and whether to check it in"},
+    {"fields", DocAction::kFields, "List its columns, their values, and what is missing"},
+    {"set", DocAction::kSet, "Write columns of its row"},
+    {"checkout", DocAction::kCheckOut, "Check it out"},
+    {"checkin", DocAction::kCheckIn, "Check it in"},
+    {"undo", DocAction::kUndo, "Give the check-out up, and with it what was changed since"},
+};
+
+/// Adds `doc` and its commands, whose words go to `options`.
+CLI::App* AddDocCommands(CLI::App& app, DocOptions& options) {
+  CLI::App* doc = app.add_subcommand("doc", "Work with one document");
+  doc->require_subcommand(1);
+  for (const DocCommand& row : kDocCommands) {
+    CLI::App* command = doc->add_subcommand(row.name, row.description);
+    command->callback([&options, action = row.action] { options.action = action; });
+    command->add_option("TARGET", options.target, kTargetHelp)->required();
+    if (row.action == DocAction::kMeta) {
+      command->add_option("KEY", options.words, "A key, such as vti_timelastmodified");
+    } else if (row.action == DocAction::kSet) {
+      command->add_option("ASSIGNMENT", options.words, "NAME=VALUE; without a VALUE to empty it")
+          ->required();
+      command->add_flag("--escape", options.escape,
+                        "Write &, < and > as references, which is how an update can carry them");
+    } else if (row.action == DocAction::kCheckIn) {
+      command->add_option("--comment", options.comment, "The comment of the version");
+      command->add_option(
+          "--type", options.typeWord,
+          "minor (0), major (1), overwrite (2) or another number; major without it");
+    }
+  }
+  return doc;
+}
 
 ParsedOptions Leave(int exitCode) { return {false, exitCode, {}}; }
 
@@ -56,6 +108,7 @@ ParsedOptions ParseOptions(std::vector<std::string> arguments) {
                    "Any http:// or https:// URL on the server. Its path is not used, nor is its "
                    "port: the scheme's default port is asked")
       ->required();
+  const CLI::App* doc = AddDocCommands(app, options.doc);
   CLI::App* install = app.add_subcommand("register", "Register the component's classes");
   install->add_flag("--user", options.user, kUserHelp);
   CLI::App* remove = app.add_subcommand("unregister", "Remove the registration");
@@ -73,10 +126,14 @@ ParsedOptions ParseOptions(std::vector<std::string> arguments) {
   }
 
   options.action = probe->parsed()     ? Action::kProbe
+                   : doc->parsed()     ? Action::kDoc
                    : install->parsed() ? Action::kRegister
                                        : Action::kUnregister;
   for (const std::string& url : options.urls) {
     if (const auto problem = FindUrlProblem(url)) return TellMistake(*problem);
+  }
+  if (doc->parsed()) {
+    if (const auto problem = FinishDocOptions(options.doc)) return TellMistake(*problem);
   }
   return {true, kExitSuccess, options};
 }

@@ -4,13 +4,16 @@
 #include <string>
 #include <vector>
 
+#include "hosts/command/doc_options.h"
+
 namespace velandoc {
 
-enum class Action { kProbe, kRegister, kUnregister };
+enum class Action { kProbe, kDoc, kRegister, kUnregister };
 
 struct Options {
   Action action = Action::kProbe;
   std::vector<std::string> urls;  // of probe, as typed
+  DocOptions doc;                 // of doc
   bool user = false;              // register and unregister: for this user alone
   bool json = false;
   bool noInput = false;

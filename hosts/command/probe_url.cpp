@@ -53,7 +53,7 @@ std::string Suggestion(std::string_view url) {
 
 }  // namespace
 
-std::optional<std::string> FindUrlProblem(std::string_view url) {
+std::optional<std::string> FindUrlProblem(std::string_view url, std::string_view done) {
   if (!IsUtf8(url)) return "a URL must be UTF-8 text: type other bytes as %XX";
   const std::string quoted = std::string(1, '\'').append(url).append(1, '\'');
   const std::optional<std::string_view> scheme = Scheme(url);
@@ -62,7 +62,7 @@ std::optional<std::string> FindUrlProblem(std::string_view url) {
   }
   const std::string lower = LowerCase(*scheme);
   if (lower != "http" && lower != "https") {
-    return quoted + " cannot be probed: only http:// and https:// are spoken";
+    return quoted + " cannot be " + std::string(done) + ": only http:// and https:// are spoken";
   }
   if (Host(HostAndPort(url)).empty()) {
     return quoted + " names no host: type '" + lower + "://HOST'";

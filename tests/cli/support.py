@@ -56,6 +56,10 @@ class Server:
     def rules(self, *rules):
         self.command("PUT", "/behaviour", list(rules))
 
+    def restore(self):
+        """The site, its caller and its clock as they were when the server started."""
+        self.command("DELETE", "/site")
+
     def log(self):
         return [record for record in self.command("GET", "/log") if record["method"] != "CONNECT"]
 

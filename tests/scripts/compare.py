@@ -35,7 +35,8 @@ def with_declared(case, home, lines):
 
 def comparable_body(body):
     try:
-        return xml.etree.ElementTree.canonicalize(body, strip_text=True)
+        # The replacement: differences.json, no_namespace.
+        return xml.etree.ElementTree.canonicalize(body, strip_text=True).replace(' xmlns=""', "")
     except xml.etree.ElementTree.ParseError:
         return body
 
@@ -141,6 +142,72 @@ class Command(BothHomes):
     def test_help_and_version(self):
         self.assertEqual(self.compare(0, "--version").lines, ["velandoc 1.0.0"])
         self.assertIn("Exit codes:", self.compare(0, "--help").lines)
+
+
+def without_last_bit(lines):
+    """A date is compared to the ten-millionth of a day: differences.json, date_last_bit."""
+    return [re.sub(r'("modifiedTimeUtcOa": \d+\.\d{7})\d+', r"\1", line) for line in lines]
+
+
+class DocCommand(BothHomes):
+    """velandoc doc in both homes: the same lines, the same talk, the same requests, the same site behind them."""
+
+    LIBRARY = "http://docs.example.test/sites/a/Shared%20Documents"
+
+    def compare(self, code, *arguments, rules=None):
+        results, requests, sites = [], [], []
+        for home in self.homes.values():
+            self.server.command("DELETE", "/site")
+            self.server.prepare(rules)
+            results.append(home.run_command("doc", *arguments))
+            requests.append([comparable(record) for record in self.server.log()])
+            sites.append(self.server.command("GET", "/site"))
+        self.assertEqual([result.code for result in results], [code, code], results[1].errors)
+        self.assertEqual(*(without_last_bit(result.lines) for result in results))
+        self.assertEqual(*(result.errors.replace("\r\n", "\n") for result in results))
+        self.assertEqual(*requests)
+        self.assertEqual(*sites)
+        return results[0]
+
+    def test_show_meta_fields(self):
+        for document in ("Plans/Budget%202026.xlsx", "b.xlsx", "Minutes.docx", "R%C3%A9sum%C3%A9.docx"):
+            for command in ("show", "meta", "fields"):
+                with self.subTest(document=document, command=command):
+                    self.assertTrue(self.compare(0, command, f"{self.LIBRARY}/{document}").lines)
+                    self.compare(0, command, f"{self.LIBRARY}/{document}", "--json")
+
+    def test_status(self):
+        for document, code in (("b.xlsx", 0), ("Plans/Budget%202026.xlsx", 10), ("Notes.docx", 11),
+                               ("Minutes.docx", 10)):
+            with self.subTest(document=document):
+                self.compare(code, "status", f"{self.LIBRARY}/{document}")
+
+    def test_changes(self):
+        plain, held = f"{self.LIBRARY}/b.xlsx", f"{self.LIBRARY}/Minutes.docx"
+        self.compare(0, "set", plain, "Title=B\u00fccher \u8ba1\u5212", "Summary=one\ntwo", "Status=")
+        self.compare(0, "set", plain, "--escape", "Title=R&D <a> ]]> &amp;")
+        self.compare(0, "checkout", plain)
+        self.compare(0, "checkin", held, "--comment", "caf\u00e9 & <b>", "--type", "minor")
+        self.compare(0, "undo", held)
+        self.compare(1, "undo", plain)
+        self.compare(1, "set", plain, "Amount=many")
+
+    def test_failures(self):
+        held = f"{self.LIBRARY}/Minutes.docx"
+        self.compare(7, "show", f"{self.LIBRARY}/None.docx")
+        self.compare(7, "show", held, rules=[{"match": {"operation": "GetUserInfo"}, "do": {"status": 404}}])
+        self.compare(7, "show", held, rules=[{"match": {"operation": "getDocsMetaInfo"}, "do": {
+            "fault": {"status": 500, "code": "Server", "text": "Out of order."}}}])
+        self.compare(8, "status", held, rules=[{"match": {"operation": "GetListItems"}, "do": {
+            "respond": {"status": 200, "body": "<html><title>Sign in</title></html>"}}}])
+        self.compare(6, "checkout", held, rules=[{"match": {"operation": "WebUrlFromPageUrl"}, "do": {
+            "respond": {"status": 200, "body": ""}}}])
+
+    def test_mistakes(self):
+        for arguments in (["show"], ["show", "ftp://docs.example.test/"], ["set", self.LIBRARY, "Title=R&D"],
+                          ["checkin", self.LIBRARY, "--type", "huge"]):
+            with self.subTest(arguments=arguments):
+                self.assertEqual(self.compare(2, *arguments).lines, [])
 
 
 def add_tests():

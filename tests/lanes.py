@@ -333,6 +333,11 @@ def lane_demo(lane):
     for line in ("https://docs.example.test/: SharePoint server", "http://docs.example.test/: SharePoint server",
                  "http://www.example.test/: no SharePoint server"):
         lane.add(f"{line} (natively and under Wine)", "passed" if output.count(line) >= 2 else "failed")
+    for line in ("before: nobody holds it", "checked out: you hold it (Jane Doe)", "checked in: nobody holds it"):
+        lane.add(f"{line} (natively and under Wine)", "passed" if output.count(f"\n{line}\n") == 2 else "failed")
+    for line in ("checked out     by you (Jane Doe)", "checked out     by Jane Doe", "Title   Budget and plan",
+                 "nothing that is required is missing"):
+        lane.add(line, "passed" if f"\n{line}\n" in output else "failed")
 
 
 LANES = {

@@ -9,7 +9,7 @@
 #include <optional>
 #include <string_view>
 
-#include "platform/com.h"
+#include "platform/text.h"
 
 #ifndef _WIN32
 inline constexpr DWORD ERROR_RESOURCE_TYPE_NOT_FOUND = 1813;
@@ -20,5 +20,11 @@ namespace velandoc {
 /// The bytes of resource `id` of `type` ("REGISTRY", "TYPELIB", ...), nothing if there is none.
 /// They live as long as the library is loaded and are not null-ended.
 std::optional<std::string_view> FindModuleResource(LPCWSTR type, WORD id);
+
+/// Row `id` of the string table; empty if there is none. Unlike the bytes above it comes from the
+/// resources that are current for the calling thread (platform/mfc/module_state.h), so from a
+/// language's satellite where one is loaded, and from the library where that lacks the row. Linux
+/// has no satellites of strings.
+WideString LoadModuleString(WORD id);
 
 }  // namespace velandoc

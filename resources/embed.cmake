@@ -1,6 +1,7 @@
 # Makes the Linux home's resource table of the resource script: cmake -DSCRIPT=velandoc.rc -DOUTPUT=file.cpp -P embed.cmake
 #
-# Every line of the form  number TYPE "file"  is taken, but TYPELIB: nothing on Linux reads a compiled type library.
+# Every line of the form  number TYPE "file"  is taken, but TYPELIB: nothing on Linux reads a compiled type library. An
+# indented line of the form  number "text"  is a row of the string table; its text is ASCII without escapes.
 get_filename_component(folder ${SCRIPT} DIRECTORY)
 file(STRINGS ${SCRIPT} lines REGEX "^[0-9]+ [A-Z]+ \"[^\"]+\"$")
 set(arrays "")
@@ -25,6 +26,17 @@ endforeach()
 if(count EQUAL 0)
   message(FATAL_ERROR "${SCRIPT} lists no files")
 endif()
+file(STRINGS ${SCRIPT} lines REGEX "^ +[0-9]+ \"")
+set(strings "")
+foreach(line ${lines})
+  if(NOT line MATCHES "^ +([0-9]+) \"([ -!#-:<-Z^-~]+)\"$")
+    message(FATAL_ERROR "${SCRIPT}: a row of the string table with an escape: ${line}")
+  endif()
+  string(APPEND strings "    {${CMAKE_MATCH_1}, u\"${CMAKE_MATCH_2}\"},\n")
+endforeach()
+if(strings STREQUAL "")
+  message(FATAL_ERROR "${SCRIPT} has no string table")
+endif()
 file(WRITE ${OUTPUT} "// Made by embed.cmake of velandoc.rc.
 #include \"platform/posix/embedded_resources.h\"
 
@@ -35,9 +47,14 @@ ${arrays}
 constexpr EmbeddedResource kResources[] = {
 ${rows}};
 
+constexpr EmbeddedString kStrings[] = {
+${strings}};
+
 }  // namespace
 
 std::span<const EmbeddedResource> EmbeddedResources() { return kResources; }
+
+std::span<const EmbeddedString> EmbeddedStrings() { return kStrings; }
 
 }  // namespace velandoc
 ")

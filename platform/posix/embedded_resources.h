@@ -14,7 +14,13 @@ struct EmbeddedResource {
   std::string_view bytes;
 };
 
-/// In the resource script's order.
+struct EmbeddedString {
+  WORD id;
+  std::u16string_view text;
+};
+
+/// Both in the resource script's order.
 std::span<const EmbeddedResource> EmbeddedResources();
+std::span<const EmbeddedString> EmbeddedStrings();
 
 }  // namespace velandoc

@@ -1,50 +1,29 @@
 #include "platform/posix/com/com_error.h"
 
+#include <cstdio>
+#include <cstring>
+
 #include "platform/owners.h"
+#include "platform/posix/com/system_messages.h"
 
 namespace {
 
-struct Message {
-  HRESULT result;
-  LPCOLESTR text;
-};
-
-constexpr Message kMessages[] = {
-    {E_NOTIMPL, OLESTR("Not implemented")},
-    {E_NOINTERFACE, OLESTR("No such interface supported")},
-    {E_POINTER, OLESTR("Invalid pointer")},
-    {E_ABORT, OLESTR("Operation aborted")},
-    {E_FAIL, OLESTR("Unspecified error")},
-    {E_UNEXPECTED, OLESTR("Catastrophic failure")},
-    {E_ACCESSDENIED, OLESTR("Access is denied.")},
-    {E_HANDLE, OLESTR("The handle is invalid.")},
-    {E_OUTOFMEMORY, OLESTR("Not enough memory.")},
-    {E_INVALIDARG, OLESTR("The parameter is incorrect.")},
-    {CLASS_E_NOAGGREGATION, OLESTR("Class does not support aggregation")},
-    {CLASS_E_CLASSNOTAVAILABLE, OLESTR("The class is not served by its library")},
-    {REGDB_E_READREGDB, OLESTR("The registry file can't be read")},
-    {REGDB_E_CLASSNOTREG, OLESTR("Class not registered")},
-    {CO_E_CLASSSTRING, OLESTR("Invalid class name")},
-    {CO_E_DLLNOTFOUND, OLESTR("The library of the class was not found")},
-    {DISP_E_MEMBERNOTFOUND, OLESTR("Member not found.")},
-    {DISP_E_TYPEMISMATCH, OLESTR("Type mismatch.")},
-    {DISP_E_UNKNOWNNAME, OLESTR("Unknown name.")},
-    {DISP_E_OVERFLOW, OLESTR("Out of range.")},
-    {DISP_E_BADPARAMCOUNT, OLESTR("Invalid number of parameters.")},
-};
+// Results of FACILITY_ITF that stand for Basic's error numbers.
+constexpr HRESULT kFirstCode = MakeResult(0x80040200);
+constexpr HRESULT kLastCode = MakeResult(0x8004FFFF);
 
 }  // namespace
 
 std::basic_string<OLECHAR> _com_error::MessageOf(HRESULT result) {
-  for (const Message& message : kMessages) {
-    if (message.result == result) return message.text;
+  const std::u16string_view known = velandoc::SystemMessage(static_cast<DWORD>(result));
+  if (!known.empty()) return std::basic_string<OLECHAR>(known);
+  char text[32];
+  if (result > kFirstCode && result <= kLastCode) {
+    std::snprintf(text, sizeof text, "IDispatch error #%d", static_cast<int>(result - kFirstCode));
+  } else {
+    std::snprintf(text, sizeof text, "Unknown error 0x%0X", static_cast<unsigned>(result));
   }
-  std::basic_string<OLECHAR> text = OLESTR("Unknown error 0x");
-  for (int shift = 28; shift >= 0; shift -= 4) {
-    const std::uint32_t digit = static_cast<std::uint32_t>(result) >> shift & 0xF;
-    text += static_cast<OLECHAR>("0123456789ABCDEF"[digit]);
-  }
-  return text;
+  return std::basic_string<OLECHAR>(text, text + std::strlen(text));
 }
 
 void _com_issue_errorex(HRESULT result, IUnknown* object, REFIID riid) {

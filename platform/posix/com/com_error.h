@@ -69,8 +69,8 @@ class _com_error {
     return m_info != nullptr && SUCCEEDED(m_info->GetHelpContext(&context)) ? context : 0;
   }
 
-  /// The result in words: of a few results, "Unknown error 0x80040200" for every other. Lives as
-  /// long as this object.
+  /// The result in words, if the system has any; otherwise "IDispatch error #1" for 0x80040201 and
+  /// on to 0x8004FFFF, "Unknown error 0x80040200" for every other. Lives as long as this object.
   const OLECHAR* ErrorMessage() const {
     if (m_message.empty()) m_message = MessageOf(m_result);
     return m_message.c_str();

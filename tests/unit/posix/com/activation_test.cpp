@@ -210,8 +210,13 @@ TEST(ComError, SpeaksInTheErrorObjectsWords) {
   EXPECT_EQ(DescribeText(static_cast<const OLECHAR*>(copy.Source())), "Velandoc.ServerCheck");
   EXPECT_EQ(DescribeText(copy.ErrorMessage()), "Unspecified error");
   EXPECT_TRUE(!copy.HelpFile());
-  EXPECT_EQ(DescribeText(_com_error(MakeResult(0x8004ABCD)).ErrorMessage()),
-            "Unknown error 0x8004ABCD");
+  EXPECT_EQ(DescribeText(_com_error(E_OUTOFMEMORY).ErrorMessage()), "Not enough memory.");
+  EXPECT_EQ(DescribeText(_com_error(MakeResult(0x80040200)).ErrorMessage()),
+            "Unknown error 0x80040200");
+  EXPECT_EQ(DescribeText(_com_error(MakeResult(0x80040201)).ErrorMessage()), "IDispatch error #1");
+  EXPECT_EQ(DescribeText(_com_error(MakeResult(0x8004FFFF)).ErrorMessage()),
+            "IDispatch error #65023");
+  EXPECT_EQ(DescribeText(_com_error(0x2EFD).ErrorMessage()), "Unknown error 0x2EFD");
 }
 
 }  // namespace

@@ -35,6 +35,7 @@ TypeLibrary CVelandocModule::GetTypeLibrary() {
   static constexpr TypeLibraryInterface kInterfaces[] = {
       {&IID_IServerCheck, OLESTR("IServerCheck")},
       {&IID_IClient, OLESTR("IClient")},
+      {&IID_IConnectionError, OLESTR("IConnectionError")},
   };
   return {.path = {},
           .id = &LIBID_VelandocLib,

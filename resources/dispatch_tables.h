@@ -43,4 +43,12 @@ struct DispatchTable<IClient> {
   };
 };
 
+template <>
+struct DispatchTable<IConnectionError> {
+  static constexpr DispatchMember kMembers[] = {
+      Get<&IConnectionError::get_HttpCode>(OLESTR("HttpCode"), 1),
+      Get<&IConnectionError::get_Message>(OLESTR("Message"), 2),
+  };
+};
+
 }  // namespace velandoc

@@ -48,12 +48,12 @@ HRESULT RunAutomationFunnel(const char* method, FunnelBody call, void* body);
 /// Runs `body` in the module state of this library, with the thread's error object cleared first.
 /// `method` is "Class::method", ASCII, as developers know it from the debugger.
 ///
-/// | thrown           | the result    | the line's text                  | the thread's error
-/// object | | COleException*   | its m_sc      | the system's                     | none | |
-/// CException*      | E_FAIL        | its own, or else the system's    | none | | _com_error | its
-/// Error()   | its Description(), or else the   | that of the exception     | |                  |
-/// | system's                         |                           | | anything else    | E_FAIL |
-/// the system's                     | none                      |
+/// What each exception gives, as the result, the line's text and the thread's error object:
+/// - COleException*: its m_sc; the system's text; none.
+/// - CException*: E_FAIL; its own text, or else the system's; none.
+/// - _com_error: its Error(); its Description(), or else the system's text; the one that came with
+///   it.
+/// - anything else: E_FAIL; the system's text; none.
 ///
 /// The line is "Exception in automation method [Class::method]: text". An exception that carries a
 /// success code ends the method with that code and without a line. The error object that a

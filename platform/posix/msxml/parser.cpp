@@ -60,6 +60,7 @@ LONG CodeOf(int error) {
 struct State {
   ParseFailure& failure;
   BlankFilter blanks;
+  int nodes = 0;
   bool isOutOfMemory = false;
 };
 
@@ -92,6 +93,11 @@ void Refuse(xmlParserCtxt* parser, LONG code, std::string_view reason) {
 void CheckNames(xmlParserCtxt* parser) {
   if (xmlDictSize(parser->dict) > kMaxNames)
     Refuse(parser, kSyntaxError, "Too many different names.");
+}
+
+void CountNode(void* context) {
+  if (++StateOf(context).nodes <= kMaxNodes) return;
+  Refuse(static_cast<xmlParserCtxt*>(context), kSyntaxError, "Too many nodes.");
 }
 
 void OnError(void* context, xmlError* error) {
@@ -159,6 +165,7 @@ void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, c
     Refuse(parser, kSyntaxError, "Too many namespace declarations are in force.");
   }
   CheckNames(parser);
+  CountNode(context);
 }
 
 void OnEndElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
@@ -178,12 +185,18 @@ void OnCharacters(void* context, const xmlChar* text, int size) {
   const bool isReference = (text < input->base || text >= input->end) && input->cur > input->base &&
                            input->cur[-1] == ';';
   const std::string_view piece(reinterpret_cast<const char*>(text), static_cast<std::size_t>(size));
+  const auto lastChild = [parser] {
+    return parser->node != nullptr ? parser->node->last : nullptr;
+  };
+  const xmlNode* const before = lastChild();
   Run(context, [&](BlankFilter& blanks) {
     std::string held;
     if (!blanks.Pass(piece, isReference, held)) return;
     if (!held.empty()) xmlSAX2Characters(context, XmlText(held), static_cast<int>(held.size()));
     xmlSAX2Characters(context, text, size);
   });
+  // Most pieces of a text lengthen the node of the piece before.
+  if (lastChild() != before) CountNode(context);
 }
 
 /// For markup that makes one node behind the others of its parent.
@@ -195,6 +208,7 @@ void OnNode(void* context, Make make) {
     const xmlNode* const parent = static_cast<xmlParserCtxt*>(context)->node;
     if (isBlankBefore && parent != nullptr) NoteBlankBefore(parent->last);
   });
+  CountNode(context);
 }
 
 void OnSection(void* context, const xmlChar* text, int size) {

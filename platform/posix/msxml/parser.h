@@ -19,6 +19,10 @@ inline constexpr int kMaxNamespacesInScope = 1024;
 /// libxml2's table of them does not grow enough for more.
 inline constexpr int kMaxNames = 100'000;
 
+/// A text may hold this many nodes, attributes aside: a query that looks at all of them gathers
+/// them in a set, and libxml2's sets do not grow much further.
+inline constexpr int kMaxNodes = 10'000'000;
+
 /// Why and where a text was refused. All zero and empty when it was not.
 struct ParseFailure {
   LONG code = 0;
@@ -36,9 +40,9 @@ struct ParseFailure {
 /// Null, with `failure` filled, for a text that is not well-formed and namespace-well-formed
 /// XML 1.0, and besides for any DOCTYPE, nesting deeper than kMaxDepth, more than kMaxAttributes
 /// attributes in a tag, more than kMaxNamespacesInScope declarations in force, more than kMaxNames
-/// names, an unpaired surrogate, and text of 2 GiB or more. Nothing is ever loaded from outside,
-/// and there are no entities but XML's own five. Takes time in proportion to the text, and memory
-/// of the text twice over besides the tree. Raises std::bad_alloc.
+/// names, more than kMaxNodes nodes, an unpaired surrogate, and text of 2 GiB or more. Nothing is
+/// ever loaded from outside, and there are no entities but XML's own five. Takes time in proportion
+/// to the text, and memory of the text twice over besides the tree. Raises std::bad_alloc.
 XmlDocOwner Parse(std::u16string_view text, bool preserveWhiteSpace, ParseFailure& failure);
 
 }  // namespace velandoc::dom

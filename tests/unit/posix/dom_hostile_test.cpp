@@ -121,6 +121,18 @@ TEST_F(DomHostileTest, DifferentNamesAreLimited) {
   EXPECT_TRUE(Load(named(200'000, "<a b='", "'/>")));
 }
 
+TEST_F(DomHostileTest, NodesAreLimitedToWhatAQueryCanGather) {
+  const auto load = [this](std::size_t nodes) {
+    WideString xml = u"<a>";
+    for (std::size_t i = 0; i < nodes / 2; ++i) xml.append(u"<b/>x", 5);
+    return Load(WideView(xml.append(u"</a>")));
+  };
+  // Half of them are texts.
+  ASSERT_TRUE(load(9'999'998));
+  EXPECT_FALSE(Find(u"//c[.='x']"));
+  EXPECT_FALSE(load(10'000'000));
+}
+
 TEST_F(DomHostileTest, ManyTextsBetweenSections) {
   ASSERT_TRUE(Load("<a>" + Repeat("x<![CDATA[y]]>", 100'000) + "</a>"));
   Bstr text;

@@ -89,6 +89,15 @@ ParsedOptions TellMistake(const std::string& mistake) {
   return Leave(kExitUsage);
 }
 
+/// The parser's words, or better ones: of an unknown command it only says that one is required.
+std::string MistakeOf(const CLI::App& app, const CLI::ParseError& error) {
+  if (error.get_name() == "RequiredError") {
+    const std::vector<std::string> words = app.remaining(true);
+    if (!words.empty()) return "'" + words.front() + "' is no command";
+  }
+  return error.what();
+}
+
 }  // namespace
 
 ParsedOptions ParseOptions(std::vector<std::string> arguments) {
@@ -122,7 +131,7 @@ ParsedOptions ParseOptions(std::vector<std::string> arguments) {
   } catch (const CLI::CallForVersion& version) {
     return TellText(std::string(version.what()) + "\n");
   } catch (const CLI::ParseError& error) {
-    return TellMistake(error.what());
+    return TellMistake(MistakeOf(app, error));
   }
 
   options.action = probe->parsed()     ? Action::kProbe

@@ -150,6 +150,10 @@ class Usage(support.Case):
     def test_no_url(self):
         self.expect(["probe"], 2, "", re.compile(rf"velandoc: .*URL.*required.*\n{re.escape(HINT)}", re.S))
 
+    def test_an_unknown_command_is_named(self):
+        for words in (["frob"], ["frob", "x"], ["doc", "frob", "x"], ["--json", "doc", "frob"]):
+            self.mistake(words, "'frob' is no command")
+
     def test_no_subcommand(self):
         self.expect([], 2, "", re.compile(rf"velandoc: .*subcommand.*\n{re.escape(HINT)}", re.S))
 

@@ -1,7 +1,5 @@
 #include "frontpage/front_page_connection.h"
 
-#include <new>
-
 #include "platform/code_page.h"
 #include "tests/support/fault_code_page.h"
 #include "tests/unit/frontpage/page_fixture.h"
@@ -261,6 +259,24 @@ TEST_F(FrontPageConnection, AShortageOfMemoryIsRaised) {
   PortScope<CodePage> scope(exhausted);
   try {
     connection.SendRequest();
+    ADD_FAILURE() << "nothing was raised";
+  } catch (const _com_error& error) {
+    EXPECT_EQ(error.Error(), E_OUTOFMEMORY);
+  }
+}
+
+TEST_F(FrontPageConnection, AShortageOfMemoryForTheAnswerIsRaisedToo) {
+  m_platform.answers = {Answer{.chunks = {AnswerPage("")}}};
+  CFrontPageConnection connection(OLESTR("http://h/d"));
+  COpenServiceHandler handler;
+  connection.m_handler = &handler;
+  ASSERT_EQ(connection.Open(nullptr, nullptr), S_OK);
+  ASSERT_EQ(connection.SendWithRetry(), S_OK);
+  ASSERT_TRUE(connection.ReadResponse());
+  ExhaustedCodePage exhausted;
+  PortScope<CodePage> scope(exhausted);
+  try {
+    connection.ProcessResponse();
     ADD_FAILURE() << "nothing was raised";
   } catch (const _com_error& error) {
     EXPECT_EQ(error.Error(), E_OUTOFMEMORY);

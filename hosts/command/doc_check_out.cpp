@@ -3,6 +3,7 @@
 #include "hosts/command/doc_actions.h"
 #include "hosts/command/doc_check_out_state.h"
 #include "hosts/command/exit_codes.h"
+#include "hosts/command/json_text.h"
 #include "hosts/command/server_word.h"
 #include "hosts/command/talk.h"
 #include "hosts/command/visible_text.h"
@@ -98,7 +99,7 @@ int ChangeCheckOut(const DocumentSession& session, const Options& options) {
       json["comment"] = options.doc.comment;
       json["type"] = options.doc.type;
     }
-    WriteOutput(json.dump(2) + "\n");
+    WriteOutput(JsonText(json));
   } else {
     WriteOutput(std::string(change.done) + " " + VisibleText(session.Url()) + "\n");
   }

@@ -1,6 +1,7 @@
 #include "hosts/command/doc_actions.h"
 #include "hosts/command/doc_columns.h"
 #include "hosts/command/exit_codes.h"
+#include "hosts/command/json_text.h"
 #include "hosts/command/visible_text.h"
 #include "hosts/text_encoding.h"
 #include "platform/standard_streams.h"
@@ -19,7 +20,7 @@ int ShowFields(const DocumentSession& session, const Options& options) {
                                          {"columns", ColumnsJson(fields, complete)},
                                          {"missing", names},
                                          {"rowArrived", complete}};
-    WriteOutput(json.dump(2) + "\n");
+    WriteOutput(JsonText(json));
   } else {
     WriteOutput(AlignRows(ColumnRows(fields, complete)));
     // Without a row nothing is known to be empty.

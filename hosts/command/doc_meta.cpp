@@ -1,5 +1,6 @@
 #include "hosts/command/doc_actions.h"
 #include "hosts/command/exit_codes.h"
+#include "hosts/command/json_text.h"
 #include "hosts/command/talk.h"
 #include "hosts/command/visible_text.h"
 #include "hosts/text_encoding.h"
@@ -48,7 +49,7 @@ int ShowMeta(const DocumentSession& session, const Options& options) {
       rows.push_back({VisibleText(key), VisibleText(found->second)});
     }
   }
-  WriteOutput(options.json ? json.dump(2) + "\n" : AlignRows(rows));
+  WriteOutput(options.json ? JsonText(json) : AlignRows(rows));
   return exitCode;
 }
 

@@ -1,7 +1,10 @@
+#include <algorithm>
 #include <list>
 
 #include "hosts/command/doc_actions.h"
 #include "hosts/command/exit_codes.h"
+#include "hosts/command/json_text.h"
+#include "hosts/command/known_columns.h"
 #include "hosts/command/server_word.h"
 #include "hosts/command/talk.h"
 #include "hosts/command/visible_text.h"
@@ -32,34 +35,33 @@ WideString ItemId(const RowAttributes& row) {
   return at == WideString::npos ? found->second : found->second.substr(at + 2);
 }
 
-bool HasColumn(const CClient& own, const WideString& name) {
-  for (const CFieldRecord& field : own.Fields()) {
-    if (field.m_name == name) return true;
-  }
-  return own.ItemAttributes().count(RowName(name)) != 0;
+bool HasColumn(const std::vector<KnownColumn>& columns, const WideString& name) {
+  return std::any_of(columns.begin(), columns.end(),
+                     [&](const KnownColumn& column) { return column.name == name; });
 }
 
-/// The internal name of the one column that is shown under `name`; empty if none or several are.
-WideString NameBehind(const CClient& own, const WideString& name) {
+/// The internal name of the one column that is shown under `title`; empty if none or several are.
+WideString NameBehind(const std::vector<KnownColumn>& columns, const WideString& title) {
   WideString found;
-  for (const CFieldRecord& field : own.Fields()) {
-    if (field.m_displayName != name) continue;
+  for (const KnownColumn& column : columns) {
+    if (column.displayName != title || column.name == found) continue;
     if (!found.empty()) return {};
-    found = field.m_name;
+    found = column.name;
   }
   return found;
 }
 
 /// Whether all columns exist; those that do not are told.
-bool CheckNames(const CClient& own, const std::vector<Assignment>& assignments) {
+bool CheckNames(const DocumentSession& session, const std::vector<Assignment>& assignments) {
+  const std::vector<KnownColumn> columns = FindKnownColumns(session);
   bool good = true;
   for (const Assignment& assignment : assignments) {
     const WideString name = WideFromUtf8(assignment.name);
-    if (HasColumn(own, name)) continue;
+    if (HasColumn(columns, name)) continue;
     good = false;
-    const WideString meant = NameBehind(own, name);
+    const WideString meant = NameBehind(columns, name);
     Talk("the document has no column '" + VisibleText(name) + "'" +
-         (meant.empty() ? ": 'velandoc doc fields' lists them"
+         (meant.empty() ? ": 'velandoc doc show' names them"
                         : ": the column of that title is named '" + VisibleText(meant) + "'"));
   }
   return good;
@@ -116,7 +118,7 @@ void WriteResult(const DocumentSession& session, const Options& options, const R
     columns[assignment.name] = {{"written", assignment.value}, {"now", now}};
   }
   const nlohmann::ordered_json json = {{"url", Utf8FromWide(session.Url())}, {"columns", columns}};
-  WriteOutput(options.json ? json.dump(2) + "\n" : AlignRows(rows));
+  WriteOutput(options.json ? JsonText(json) : AlignRows(rows));
 }
 
 int TellFailure(const DocumentSession& session, std::size_t firstRecord,
@@ -143,7 +145,7 @@ int SetColumns(const DocumentSession& session, const Options& options) {
     Talk("nothing was written: without its row the document's columns are not known");
     return kExitIncomplete;
   }
-  if (!CheckNames(own, options.doc.assignments)) {
+  if (!CheckNames(session, options.doc.assignments)) {
     Talk("nothing was written");
     return kExitUnknownName;
   }

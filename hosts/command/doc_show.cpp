@@ -2,6 +2,7 @@
 #include "hosts/command/doc_check_out_state.h"
 #include "hosts/command/doc_columns.h"
 #include "hosts/command/exit_codes.h"
+#include "hosts/command/json_text.h"
 #include "hosts/command/visible_text.h"
 #include "hosts/text_encoding.h"
 #include "platform/standard_streams.h"
@@ -13,9 +14,19 @@ using Rows = std::vector<std::vector<std::string>>;
 
 constexpr LPCWSTR kCreated = OLESTR("vti_timecreated");
 
-void Section(const char* heading, const Rows& rows) {
-  WriteOutput(std::string(heading) + "\n" +
-              AlignRows(rows.empty() ? Rows{{"none"}} : rows, /*indent=*/2) + "\n");
+struct Section {
+  const char* heading;
+  Rows rows;
+};
+
+std::string SectionsText(const std::vector<Section>& sections) {
+  std::string text;
+  for (const Section& section : sections) {
+    if (!text.empty()) text += "\n";
+    text += std::string(section.heading) + "\n" +
+            AlignRows(section.rows.empty() ? Rows{{"none"}} : section.rows, /*indent=*/2);
+  }
+  return text;
 }
 
 /// An answer of the object as it is shown: "yes", "no", or why there is none.
@@ -46,29 +57,34 @@ nlohmann::ordered_json JsonOf(const Map& map) {
   return json;
 }
 
-void WriteText(const DocumentSession& session) {
+std::string MissingText(const DocumentSession& session) {
+  if (!session.RowArrived()) return "not known";
+  const std::vector<WideString> missing = MissingColumns(session.Own().Fields());
+  return missing.empty() ? "nothing" : JoinedText(missing);
+}
+
+std::string Text(const DocumentSession& session) {
   const CClient& own = session.Own();
-  Section("Document", {{"URL", Shown(session.Url())},
-                       {"web", Shown(session.WebUrl())},
-                       {"web's path", Shown(own.WebPath())},
-                       {"document's id", Shown(session.DocId())},
-                       {"list's id", Shown(session.ListId())},
-                       {"content type", Shown(session.ContentTypeId())},
-                       {"created", TimeText(ReadTime(session, kCreated))}});
-  Section("You", {{"login", Shown(own.UserLogin())}, {"name", Shown(own.UserName())}});
-  Section("Check-out", CheckOutRows(ReadCheckOutState(session)));
-  Section("Columns", ColumnRows(own.Fields(), session.RowArrived()));
-  const std::vector<WideString> missing = MissingColumns(own.Fields());
-  Section("Missing", {{"required and empty", !session.RowArrived() ? "not known"
-                                             : missing.empty()     ? "nothing"
-                                                                   : JoinedText(missing)}});
-  Section(
-      "Answers of the component",
-      {{"HasFields", FlagText(session.Ask(&IClient::HasFields))},
-       {"HasUnfilledFields", FlagText(session.Ask(&IClient::HasUnfilledFields))},
-       {"HasUnfilledRequiredFields", FlagText(session.Ask(&IClient::HasUnfilledRequiredFields))}});
-  Section("Row", RowsOf(own.ItemAttributes()));
-  Section("Meta-info", RowsOf(own.MetaInfo().m_values));
+  return SectionsText({
+      {"Document",
+       {{"URL", Shown(session.Url())},
+        {"web", Shown(session.WebUrl())},
+        {"web's path", Shown(own.WebPath())},
+        {"document's id", Shown(session.DocId())},
+        {"list's id", Shown(session.ListId())},
+        {"content type", Shown(session.ContentTypeId())},
+        {"created", TimeText(ReadTime(session, kCreated))}}},
+      {"You", {{"login", Shown(own.UserLogin())}, {"name", Shown(own.UserName())}}},
+      {"Check-out", CheckOutRows(ReadCheckOutState(session))},
+      {"Columns", ColumnRows(own.Fields(), session.RowArrived())},
+      {"Missing", {{"required and empty", MissingText(session)}}},
+      {"Answers of the component",
+       {{"HasFields", FlagText(session.Ask(&IClient::HasFields))},
+        {"HasUnfilledFields", FlagText(session.Ask(&IClient::HasUnfilledFields))},
+        {"HasUnfilledRequiredFields", FlagText(session.Ask(&IClient::HasUnfilledRequiredFields))}}},
+      {"Row", RowsOf(own.ItemAttributes())},
+      {"Meta-info", RowsOf(own.MetaInfo().m_values)},
+  });
 }
 
 nlohmann::ordered_json Json(const DocumentSession& session) {
@@ -104,9 +120,9 @@ nlohmann::ordered_json Json(const DocumentSession& session) {
 
 int ShowDocument(const DocumentSession& session, const Options& options) {
   if (options.json) {
-    WriteOutput(Json(session).dump(2) + "\n");
+    WriteOutput(JsonText(Json(session)));
   } else {
-    WriteText(session);
+    WriteOutput(Text(session));
   }
   return session.Missing().empty() ? kExitSuccess : kExitIncomplete;
 }

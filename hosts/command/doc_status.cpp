@@ -1,6 +1,7 @@
 #include "hosts/command/doc_actions.h"
 #include "hosts/command/doc_check_out_state.h"
 #include "hosts/command/exit_codes.h"
+#include "hosts/command/json_text.h"
 #include "hosts/command/visible_text.h"
 #include "hosts/text_encoding.h"
 #include "platform/standard_streams.h"
@@ -12,7 +13,7 @@ int ShowStatus(const DocumentSession& session, const Options& options) {
   if (options.json) {
     nlohmann::ordered_json json = {{"url", Utf8FromWide(session.Url())}};
     json.update(CheckOutJson(state));
-    WriteOutput(json.dump(2) + "\n");
+    WriteOutput(JsonText(json));
   } else {
     WriteOutput(AlignRows(CheckOutRows(state)));
   }

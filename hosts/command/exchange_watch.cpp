@@ -12,8 +12,8 @@ constexpr int kStatusOk = 200;
 constexpr int kStatusUnauthorized = 401;
 constexpr int kStatusProxyAuthentication = 407;
 
-void AppendLimited(std::string& answer, const char* bytes, std::size_t count) {
-  answer.append(bytes, std::min(count, ExchangeRecord::kAnswerLimit - answer.size()));
+void AppendLimited(std::string& answer, const char* bytes, std::size_t count, std::size_t limit) {
+  answer.append(bytes, std::min(count, limit - answer.size()));
 }
 
 int ReadStatus(WinInet& port, HINTERNET request) {
@@ -135,7 +135,8 @@ BOOL ExchangeWatch::InternetReadFile(HINTERNET request, LPVOID buffer, DWORD siz
   const BOOL result = Keep(m_below.InternetReadFile(request, buffer, size, read));
   if (ExchangeRecord* record = Find(request)) {
     if (result) {
-      AppendLimited(record->answer, static_cast<const char*>(buffer), *read);
+      AppendLimited(record->answer, static_cast<const char*>(buffer), *read,
+                    ExchangeRecord::kAnswerLimit);
     } else {
       record->error = m_lastError;
     }
@@ -178,9 +179,9 @@ void ExchangeWatch::ReadRefusal(HINTERNET request, ExchangeRecord& record) {
   }
   char buffer[8192];
   DWORD read = 0;
-  while (record.answer.size() < ExchangeRecord::kAnswerLimit &&
+  while (record.answer.size() < ExchangeRecord::kRefusalLimit &&
          m_below.InternetReadFile(request, buffer, sizeof buffer, &read) && read != 0) {
-    AppendLimited(record.answer, buffer, read);
+    AppendLimited(record.answer, buffer, read, ExchangeRecord::kRefusalLimit);
   }
 }
 

@@ -15,8 +15,10 @@ namespace velandoc {
 /// One request and what came of it, its repetitions (credentials, certificates) included: the
 /// latest counts.
 struct ExchangeRecord {
-  /// An answer is kept up to here: enough for a fault or a status page, and for most rows.
-  static constexpr std::size_t kAnswerLimit = std::size_t{64} * 1024;
+  /// A good answer, which the caller reads anyway, is kept up to here: content types are large.
+  static constexpr std::size_t kAnswerLimit = std::size_t{4} * 1024 * 1024;
+  /// No more is read of a refusal: enough for a fault or a status page.
+  static constexpr std::size_t kRefusalLimit = std::size_t{64} * 1024;
 
   std::string host;
   INTERNET_PORT port = 0;
@@ -25,11 +27,11 @@ struct ExchangeRecord {
   bool sent = false;      // a send was tried
   DWORD error = 0;        // the platform's, of the operation that failed last; 0 for none
   int status = 0;         // of HTTP, 0 if no answer came
-  std::string answer;     // its first kAnswerLimit bytes
+  std::string answer;     // its first kAnswerLimit bytes, or kRefusalLimit
 };
 
 /// Passes every operation on and changes nothing of what the caller sees. An answer that the caller
-/// leaves unread is read, up to the limit, when its request is closed: until then credentials may
+/// leaves unread is read, up to its limit, when its request is closed: until then credentials may
 /// still be asked for on it. Answers 401 and 407 are never read here. For one thread.
 class ExchangeWatch : public WinInet {
  public:

@@ -142,9 +142,13 @@ std::string FindRpcMessage(std::string_view page) {
 
 }  // namespace
 
+ComPtr<IXMLDOMDocument2> LoadAnswer(std::string_view answer) {
+  if (!LooksLikeXml(answer)) return nullptr;
+  return Load(WithoutMark(Trimmed(answer)));
+}
+
 std::string FindElementText(std::string_view answer, std::string_view name) try {
-  if (!LooksLikeXml(answer)) return {};
-  return ElementText(Load(WithoutMark(Trimmed(answer))), name);
+  return ElementText(LoadAnswer(answer), name);
 } catch (const _com_error&) {
   return {};
 }

@@ -4,6 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "platform/msxml.h"
+#include "platform/owners.h"
+
 namespace velandoc {
 
 /// The server's words in one visible line of at most 300 characters, empty if there are none: of a
@@ -11,6 +14,9 @@ namespace velandoc {
 /// page its title; of plain text its first line. `answer` may be cut off anywhere. Raises nothing
 /// but what allocation raises.
 std::string FindServerWord(std::string_view answer);
+
+/// The document of an answer of XML; null if it is none. Raises `_com_error` for a failing DOM.
+ComPtr<IXMLDOMDocument2> LoadAnswer(std::string_view answer);
 
 /// Whether `answer` is a SOAP fault, and so the service's own word.
 bool IsFault(std::string_view answer);

@@ -52,6 +52,8 @@ std::string EscapeControl(char32_t character) {
 
 }  // namespace
 
+bool CanSteer(char32_t character) { return IsControl(character) || IsIn(kSteering, character); }
+
 std::string HexText(unsigned number, std::size_t digits) {
   std::string text;
   for (; number != 0 || text.size() < digits; number /= 16) {
@@ -67,16 +69,14 @@ std::string VisibleText(WideView text) {
     shown += Utf8FromWide(kept);
     kept.clear();
   };
-  // All that is escaped lies in the basic plane, so that units serve.
   for (const OLECHAR unit : text) {
     const char32_t character = static_cast<char16_t>(unit);
-    const bool control = IsControl(character);
-    if (!control && !IsIn(kSteering, character)) {
+    if (!CanSteer(character)) {
       kept.push_back(unit);
       continue;
     }
     flush();
-    shown += control ? EscapeControl(character) : "\\u" + HexText(character, 4);
+    shown += IsControl(character) ? EscapeControl(character) : "\\u" + HexText(character, 4);
   }
   flush();
   return shown;

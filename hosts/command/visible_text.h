@@ -16,6 +16,10 @@ std::string VisibleText(WideView text);
 /// The same of UTF-8; ill-formed bytes become U+FFFD.
 std::string VisibleText(std::string_view utf8);
 
+/// Whether a character can do more to a terminal than be shown: controls, separators of lines,
+/// marks and overrides of the writing direction. All of them lie in the basic plane.
+bool CanSteer(char32_t character);
+
 /// At least `digits` hexadecimal digits, capitals.
 std::string HexText(unsigned number, std::size_t digits);
 

@@ -130,6 +130,15 @@ class Show(DocCase):
         self.assertIs(shown["hasFields"], True)
         self.assertEqual(shown["notArrived"], [])
 
+    def test_json_cannot_steer_the_terminal_either(self):
+        site = support.server.command("GET", "/site")
+        for document in site["webs"][1]["libraries"][0]["documents"]:
+            document["values"]["Owner"] = "\u009b31m\u202e\u8ba1"
+        support.server.command("PUT", "/site", site)
+        output = self.doc("show", PLAIN, "--json")
+        self.assertIn('"ows_Owner": "\\u009B31m\\u202E\u8ba1"', output)
+        self.assertEqual(json.loads(output)["row"]["ows_Owner"], "\u009b31m\u202e\u8ba1")
+
     def test_a_document_of_no_library_is_incomplete(self):
         done = self.run_program(support.command, "doc", "show", CHARTER)
         self.assertEqual(done.returncode, INCOMPLETE)
@@ -300,6 +309,12 @@ class Set(DocCase):
         self.assertEqual(self.doc_json("set", PLAIN, "Owner=Zo\u00eb"),
                          {"url": PLAIN, "columns": {"Owner": {"written": "Zo\u00eb", "now": "Zo\u00eb"}}})
 
+    def test_a_column_of_the_content_type_that_is_empty_and_not_required(self):
+        url = f"{LIBRARY}/R%C3%A9sum%C3%A9.docx"
+        self.assertNotIn("Category", self.doc("show", url))
+        self.assertEqual(self.doc("set", url, "Category=People"), "Category  People\n")
+        self.assertEqual(self.document("R\u00e9sum\u00e9.docx")["values"]["Category"], "People")
+
     def test_what_the_update_cannot_carry_is_refused_before_anything_is_sent(self):
         for value, problem in (("R&D", "it holds '&', with which the whole update would be lost: with --escape it "
                                        "is sent as a reference"),
@@ -329,7 +344,7 @@ class Set(DocCase):
     def test_unknown_columns_are_named_and_nothing_is_written(self):
         before = self.document("b.xlsx")
         self.doc("set", PLAIN, "Title=x", "Nonsense=1", "Project Code=2", code=UNKNOWN_NAME, errors=(
-            "velandoc: the document has no column 'Nonsense': 'velandoc doc fields' lists them\n"
+            "velandoc: the document has no column 'Nonsense': 'velandoc doc show' names them\n"
             "velandoc: the document has no column 'Project Code': the column of that title is named "
             "'Project_x0020_Code'\n"
             "velandoc: nothing was written\n"))

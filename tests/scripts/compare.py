@@ -210,6 +210,28 @@ class DocCommand(BothHomes):
                 self.assertEqual(self.compare(2, *arguments).lines, [])
 
 
+class Samples(BothHomes):
+    """The scripts that the documentation shows."""
+
+    def test_document(self):
+        case = run_case.Case(run_case.TOP / "samples/document.js")
+        case.arguments = ["http://docs.example.test/sites/a/Shared%20Documents/b.xlsx", "caf\u00e9"]
+        results, sites = [], []
+        for home in self.homes.values():
+            self.server.command("DELETE", "/site")
+            self.server.prepare(None)
+            results.append(home.run(case))
+            sites.append(self.server.command("GET", "/site"))
+        self.assertEqual([result.code for result in results], [0, 0], results[1].errors)
+        self.assertEqual(results[0].lines, results[1].lines)
+        self.assertEqual(results[0].lines[-3:], ["before: nobody holds it", "checked out: you hold it (Jane Doe)",
+                                                 "checked in: nobody holds it"])
+        self.assertEqual(*sites)
+        document = next(document for web in sites[0]["webs"] for library in web["libraries"]
+                        for document in library["documents"] if document["path"] == "b.xlsx")
+        self.assertEqual((document["comment"], document["version"]), ("caf\u00e9", "3.0"))
+
+
 def add_tests():
     for path in sorted(FOLDER.glob("*.js")):
         case = run_case.Case(path)

@@ -82,16 +82,16 @@ TEST_F(Watched, NoMoreIsReadOfARefusalThanTheLimit) {
   answer.chunks.assign(20, std::string(8192, 'x'));
   m_below.answers = {answer};
   EXPECT_EQ(Exchange(), E_FAIL);
-  EXPECT_EQ(Record().answer.size(), ExchangeRecord::kAnswerLimit);
+  EXPECT_EQ(Record().answer.size(), ExchangeRecord::kRefusalLimit);
   EXPECT_EQ(m_below.CallsOf("InternetReadFile").size(), 8U);
 }
 
 TEST_F(Watched, AGoodAnswerIsHandedOnWholeAndKeptUpToTheLimit) {
   Answer answer;
-  answer.chunks.assign(20, std::string(8192, 'x'));
+  answer.chunks.assign(520, std::string(8192, 'x'));
   m_below.answers = {answer};
   EXPECT_EQ(Exchange(), S_OK);
-  EXPECT_EQ(m_text.size(), std::size_t{20} * 8192);
+  EXPECT_EQ(m_text.size(), std::size_t{520} * 8192);
   EXPECT_EQ(Record().answer.size(), ExchangeRecord::kAnswerLimit);
 }
 

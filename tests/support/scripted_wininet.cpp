@@ -261,7 +261,11 @@ BOOL ScriptedWinInet::InternetCloseHandle(HINTERNET handle) {
   calls.push_back(Line("InternetCloseHandle", std::to_string(number)));
   ExpectOpen(handle, "InternetCloseHandle");
   if (number <= 0 || number > static_cast<int>(m_handles.size())) return Done(FALSE);
-  for (const Handle& child : m_handles) {
+  for (Handle& child : m_handles) {
+    if (closesChildren && child.parent == number) {
+      child.open = false;
+      continue;
+    }
     // A handle that its owner has lost cannot be closed before its parent any more.
     if (child.open && child.parent == number && expectedLeaks == 0) {
       ADD_FAILURE() << "handle " << number << " is closed before its child";

@@ -55,6 +55,9 @@ class ScriptedWinInet : public WinInet {
   std::string written;
   /// How many handles the test expects to be left open.
   int expectedLeaks = 0;
+  /// Closing a handle closes those below it, as the system does; otherwise that is a failure of the
+  /// test. For owners that lose a request's handle and close its parent.
+  bool closesChildren = false;
 
   int OpenHandles() const;
 

@@ -20,8 +20,9 @@ inline constexpr int kMaxNamespacesInScope = 1024;
 inline constexpr int kMaxNames = 100'000;
 
 /// A text may hold this many nodes, attributes aside: a query that looks at all of them gathers
-/// them in a set, and libxml2's sets do not grow much further.
-inline constexpr int kMaxNodes = 10'000'000;
+/// them in a set, and libxml2's sets grow to ten million. Half of that is a tree of about a
+/// gigabyte, and enough for a page of a million pairs.
+inline constexpr int kMaxNodes = 5'000'000;
 
 /// Why and where a text was refused. All zero and empty when it was not.
 struct ParseFailure {

@@ -69,6 +69,14 @@ class Requests {
   const std::vector<ExchangeRecord>& m_records;
 };
 
+/// Why a request was never sent, as far as another one tells that could not be made either.
+std::string UnsentText(const std::vector<ExchangeRecord>& records) {
+  for (const ExchangeRecord& record : records) {
+    if (!record.sent) return "it could not be sent: " + NetworkErrorText(record.error);
+  }
+  return "it could not be sent";
+}
+
 bool Holds(const ExchangeRecord* record, std::string_view text) {
   return record != nullptr && record->status == kStatusOk && record->error == 0 &&
          record->answer.find(text) != std::string::npos;
@@ -114,7 +122,7 @@ std::vector<StepFailure> ReviewOpen(const OpenedParts& parts,
     if (good) return;
     const ExchangeRecord* record = requests.Find(operation, index);
     failures.push_back(record != nullptr ? ExplainFailure(step, *record, missing)
-                                         : StepFailure{step, {}, "it could not be sent"});
+                                         : StepFailure{step, {}, UnsentText(records)});
   };
 
   const bool login =

@@ -552,7 +552,8 @@ class Opening(DocCase):
         self.environment["http_proxy"] = "http://127.0.0.1:1"
         self.fails(["status", BUDGET], NOT_OPENED, rf"cannot open '{re.escape(BUDGET)}'",
                    r"the question for the login \(open service\) at docs\.example\.test failed: .+ \(error 12029\)",
-                   r"the question for the user's name \(GetUserInfo\) at docs\.example\.test failed: .+ \(error 12029\)")
+                   r"the question for the user's name \(GetUserInfo\) at docs\.example\.test failed: .+ "
+                   r"\(error 12029\)")
 
     def test_a_certificate_that_is_not_trusted(self):
         self.fails(["status", "https://expired.example.test/a.docx"], NOT_OPENED, "cannot open '.+'",

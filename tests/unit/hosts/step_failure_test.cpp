@@ -137,6 +137,11 @@ TEST_F(StepFailures, ARowThatDidNotCome) {
 TEST_F(StepFailures, WithoutARequestNothingCouldBeSent) {
   EXPECT_EQ(Told({.login = true}, {}),
             Lines{"the question for the user's name (GetUserInfo) failed: it could not be sent"});
+  ExchangeRecord unmade = Record("", 0, "", 4711);
+  unmade.sent = false;
+  EXPECT_EQ(Told({.login = true}, {unmade}),
+            Lines{"the question for the user's name (GetUserInfo) failed: it could not be sent: "
+                  "error 4711"});
 }
 
 TEST_F(StepFailures, AnUnusualPortIsToldAndTheProxyNamed) {

@@ -1,4 +1,4 @@
-// IServerCheck across apartments, through the merged proxies.
+// IServerCheck and IClient across apartments, through the merged proxies.
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -61,6 +61,7 @@ class ProxiesOfThisProcess {
     CoRegisterClassObject(IID_IServerCheck, factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
                           &m_cookie);
     CoRegisterPSClsid(IID_IServerCheck, IID_IServerCheck);
+    CoRegisterPSClsid(IID_IClient, IID_IServerCheck);
   }
   ~ProxiesOfThisProcess() { CoRevokeClassObject(m_cookie); }
   ProxiesOfThisProcess(const ProxiesOfThisProcess&) = delete;
@@ -106,6 +107,57 @@ TEST(ProxyTest, ACallCrossesApartments) {
     EXPECT_EQ(isServer, VARIANT_TRUE);
     EXPECT_EQ(recorder.seen, L"http://\u00E9\u20AC");
     EXPECT_EQ(recorder.thread, GetCurrentThreadId()) << "the call did not come home";
+  }
+  CoUninitialize();
+}
+
+// One class object, with IServerCheck's identifier, serves the proxies of both interfaces.
+TEST(ProxyTest, AClientIsReachedFromAnotherApartment) {
+  ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
+  {
+    const ProxiesOfThisProcess proxies;
+    ComPtr<IClassFactory> factory;
+    ASSERT_EQ(DllGetClassObject(CLSID_Client, IID_IClassFactory, factory.ReceiveVoid()), S_OK);
+    ComPtr<IClient> client;
+    ASSERT_EQ(factory->CreateInstance(nullptr, IID_IClient, client.ReceiveVoid()), S_OK);
+    IStream* stream = nullptr;
+    ASSERT_EQ(CoMarshalInterThreadInterfaceInStream(IID_IClient, client.Get(), &stream), S_OK);
+    const HANDLE done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    HRESULT marshalled = E_FAIL;
+    INT status = 77;
+    LONGLONG time = 7;
+    HRESULT timeResult = S_OK;
+    Bstr url;
+    Variant meta;
+    HRESULT metaResult = S_OK;
+    VARIANT_BOOL success = 7;
+    std::thread other([&] {
+      CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+      {
+        const ProxiesOfThisProcess otherProxies;
+        ComPtr<IClient> proxy;
+        marshalled = CoGetInterfaceAndReleaseStream(stream, IID_IClient, proxy.ReceiveVoid());
+        if (SUCCEEDED(marshalled)) {
+          // Without a scheme no server is asked.
+          proxy->InitFromURL(Bstr(L"no scheme").Get(), &success);
+          proxy->get_URL(url.Receive());
+          proxy->GetCheckOutStatus(&status);
+          timeResult = proxy->get_CheckOutTime(&time);
+          metaResult = proxy->get_FrontPageMetaInfo(Bstr(L"key").Get(), &meta.Get());
+        }
+      }
+      CoUninitialize();
+      SetEvent(done);
+    });
+    PumpUntil(done);
+    other.join();
+    CloseHandle(done);
+    EXPECT_EQ(marshalled, S_OK);
+    EXPECT_EQ(success, VARIANT_FALSE);
+    EXPECT_EQ(url.Text(), L"no scheme");
+    EXPECT_EQ(status, -1);
+    EXPECT_EQ(timeResult, E_FAIL);
+    EXPECT_EQ(metaResult, E_FAIL);
   }
   CoUninitialize();
 }

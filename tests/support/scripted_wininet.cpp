@@ -6,48 +6,6 @@
 #include <cstring>
 
 namespace velandoc::testing {
-namespace {
-
-std::string Hex(DWORD value) {
-  char text[16];
-  std::snprintf(text, sizeof text, "0x%x", static_cast<unsigned>(value));
-  return text;
-}
-
-void Join(std::string&) {}
-
-template <class... Rest>
-void Join(std::string& line, const std::string& first, const Rest&... rest) {
-  if (line.back() != '(') line += ", ";
-  line += first;
-  Join(line, rest...);
-}
-
-template <class... Arguments>
-std::string Line(const char* name, const Arguments&... arguments) {
-  std::string line = std::string(name) + "(";
-  Join(line, arguments...);
-  return line + ")";
-}
-
-}  // namespace
-
-std::string Printable(LPCWSTR text) {
-  if (text == nullptr) return "null";
-  std::string printable;
-  for (; *text != 0; ++text) {
-    const auto unit = static_cast<unsigned>(*text);
-    if (unit >= 32 && unit < 127) {
-      printable += static_cast<char>(unit);
-    } else {
-      char escape[8];
-      std::snprintf(escape, sizeof escape, "\\u%04x", unit & 0xFFFFU);
-      printable += escape;
-    }
-  }
-  return printable;
-}
-
 ScriptedWinInet::~ScriptedWinInet() {
   EXPECT_EQ(OpenHandles(), expectedLeaks) << "handles left open";
   EXPECT_TRUE(answers.empty()) << answers.size() << " answers were never asked for";
@@ -92,8 +50,8 @@ HINTERNET ScriptedWinInet::NewHandle(HINTERNET parent) {
 
 HINTERNET ScriptedWinInet::InternetOpenW(LPCWSTR agent, DWORD accessType, LPCWSTR proxy,
                                          LPCWSTR proxyBypass, DWORD flags) {
-  calls.push_back(Line("InternetOpenW", Printable(agent), std::to_string(accessType),
-                       Printable(proxy), Printable(proxyBypass), Hex(flags)));
+  calls.push_back(CallLine("InternetOpenW", Printable(agent), std::to_string(accessType),
+                           Printable(proxy), Printable(proxyBypass), Hex(flags)));
   if (!Done(!Fails("InternetOpenW"))) return nullptr;
   return NewHandle(nullptr);
 }
@@ -101,9 +59,10 @@ HINTERNET ScriptedWinInet::InternetOpenW(LPCWSTR agent, DWORD accessType, LPCWST
 HINTERNET ScriptedWinInet::InternetConnectW(HINTERNET session, LPCWSTR serverName,
                                             INTERNET_PORT port, LPCWSTR userName, LPCWSTR password,
                                             DWORD service, DWORD flags, DWORD_PTR context) {
-  calls.push_back(Line("InternetConnectW", std::to_string(NumberOf(session)), Printable(serverName),
-                       std::to_string(port), Printable(userName), Printable(password),
-                       std::to_string(service), Hex(flags), std::to_string(context)));
+  calls.push_back(CallLine("InternetConnectW", std::to_string(NumberOf(session)),
+                           Printable(serverName), std::to_string(port), Printable(userName),
+                           Printable(password), std::to_string(service), Hex(flags),
+                           std::to_string(context)));
   ExpectOpen(session, "InternetConnectW");
   const bool refused = Fails("InternetConnectW") || *serverName == 0;
   if (!Done(!refused, refused ? DWORD{ERROR_INVALID_PARAMETER} : 0)) return nullptr;
@@ -113,14 +72,9 @@ HINTERNET ScriptedWinInet::InternetConnectW(HINTERNET session, LPCWSTR serverNam
 HINTERNET ScriptedWinInet::HttpOpenRequestW(HINTERNET connect, LPCWSTR verb, LPCWSTR objectName,
                                             LPCWSTR version, LPCWSTR referrer, LPCWSTR* acceptTypes,
                                             DWORD flags, DWORD_PTR context) {
-  std::string types;
-  for (; *acceptTypes != nullptr; ++acceptTypes) {
-    if (!types.empty()) types += ' ';
-    types += Printable(*acceptTypes);
-  }
-  calls.push_back(Line("HttpOpenRequestW", std::to_string(NumberOf(connect)), Printable(verb),
-                       Printable(objectName), Printable(version), Printable(referrer), types,
-                       Hex(flags), std::to_string(context)));
+  calls.push_back(CallLine("HttpOpenRequestW", std::to_string(NumberOf(connect)), Printable(verb),
+                           Printable(objectName), Printable(version), Printable(referrer),
+                           PrintableList(acceptTypes), Hex(flags), std::to_string(context)));
   const bool refused = Fails("HttpOpenRequestW") || connect == nullptr;
   if (!Done(!refused, refused ? DWORD{ERROR_INVALID_HANDLE} : 0)) return nullptr;
   ExpectOpen(connect, "HttpOpenRequestW");
@@ -145,9 +99,9 @@ BOOL ScriptedWinInet::HttpSendRequestW(HINTERNET request, LPCWSTR headers, DWORD
   EXPECT_NE(optional, nullptr);
   bodies.emplace_back(static_cast<const char*>(optional), optionalLength);
   headerBlocks.push_back(Printable(headers));
-  calls.push_back(Line("HttpSendRequestW", std::to_string(NumberOf(request)), Printable(headers),
-                       std::to_string(static_cast<std::int32_t>(headersLength)),
-                       std::to_string(optionalLength)));
+  calls.push_back(CallLine(
+      "HttpSendRequestW", std::to_string(NumberOf(request)), Printable(headers),
+      std::to_string(static_cast<std::int32_t>(headersLength)), std::to_string(optionalLength)));
   ExpectOpen(request, "HttpSendRequestW");
   return PlaySend();
 }
@@ -170,8 +124,9 @@ BOOL ScriptedWinInet::HttpSendRequestExW(HINTERNET request, INTERNET_BUFFERSW* b
     text += '}';
     return text;
   };
-  calls.push_back(Line("HttpSendRequestExW", std::to_string(NumberOf(request)), describe(buffersIn),
-                       describe(buffersOut), std::to_string(flags), std::to_string(context)));
+  calls.push_back(CallLine("HttpSendRequestExW", std::to_string(NumberOf(request)),
+                           describe(buffersIn), describe(buffersOut), std::to_string(flags),
+                           std::to_string(context)));
   ExpectOpen(request, "HttpSendRequestExW");
   return PlaySend();
 }
@@ -180,7 +135,7 @@ BOOL ScriptedWinInet::InternetWriteFile(HINTERNET request, LPCVOID buffer, DWORD
                                         DWORD* count) {
   ExpectOpen(request, "InternetWriteFile");
   calls.push_back(
-      Line("InternetWriteFile", std::to_string(NumberOf(request)), std::to_string(size)));
+      CallLine("InternetWriteFile", std::to_string(NumberOf(request)), std::to_string(size)));
   written.append(static_cast<const char*>(buffer), size);
   *count = size;
   return Done(TRUE);
@@ -188,14 +143,14 @@ BOOL ScriptedWinInet::InternetWriteFile(HINTERNET request, LPCVOID buffer, DWORD
 
 BOOL ScriptedWinInet::HttpEndRequestW(HINTERNET request, INTERNET_BUFFERSW*, DWORD, DWORD_PTR) {
   ExpectOpen(request, "HttpEndRequestW");
-  calls.push_back(Line("HttpEndRequestW", std::to_string(NumberOf(request))));
+  calls.push_back(CallLine("HttpEndRequestW", std::to_string(NumberOf(request))));
   return Done(TRUE);
 }
 
 BOOL ScriptedWinInet::InternetReadFile(HINTERNET request, LPVOID buffer, DWORD size, DWORD* read) {
   ExpectOpen(request, "InternetReadFile");
   calls.push_back(
-      Line("InternetReadFile", std::to_string(NumberOf(request)), std::to_string(size)));
+      CallLine("InternetReadFile", std::to_string(NumberOf(request)), std::to_string(size)));
   *read = 0;
   if (m_chunk == m_current.chunks.size()) {
     return m_current.readError != 0 ? Done(FALSE, m_current.readError) : Done(TRUE);
@@ -210,8 +165,8 @@ BOOL ScriptedWinInet::InternetReadFile(HINTERNET request, LPVOID buffer, DWORD s
 BOOL ScriptedWinInet::HttpQueryInfoW(HINTERNET request, DWORD infoLevel, LPVOID buffer, DWORD* size,
                                      DWORD* index) {
   ExpectOpen(request, "HttpQueryInfoW");
-  calls.push_back(Line("HttpQueryInfoW", std::to_string(NumberOf(request)),
-                       std::to_string(infoLevel), std::to_string(*size)));
+  calls.push_back(CallLine("HttpQueryInfoW", std::to_string(NumberOf(request)),
+                           std::to_string(infoLevel), std::to_string(*size)));
   EXPECT_EQ(index, nullptr);
   WideString value;
   if (infoLevel == HTTP_QUERY_STATUS_CODE) {
@@ -234,9 +189,9 @@ DWORD ScriptedWinInet::InternetErrorDlg(HWND parent, HINTERNET request, DWORD er
                                         LPVOID* data) {
   ExpectOpen(request, "InternetErrorDlg");
   EXPECT_EQ(data, nullptr);
-  calls.push_back(Line("InternetErrorDlg", parent == activeWindow ? "active" : "other window",
-                       std::to_string(NumberOf(request)), std::to_string(error),
-                       std::to_string(flags)));
+  calls.push_back(CallLine("InternetErrorDlg", parent == activeWindow ? "active" : "other window",
+                           std::to_string(NumberOf(request)), std::to_string(error),
+                           std::to_string(flags)));
   m_lastError = kSpoiledError;
   if (dialogResults.empty()) return ERROR_SUCCESS;
   const DWORD result = dialogResults.front();
@@ -246,19 +201,19 @@ DWORD ScriptedWinInet::InternetErrorDlg(HWND parent, HINTERNET request, DWORD er
 
 BOOL ScriptedWinInet::InternetQueryOptionW(HINTERNET handle, DWORD option, LPVOID, DWORD*) {
   ExpectOpen(handle, "InternetQueryOptionW");
-  calls.push_back(Line("InternetQueryOptionW", std::to_string(option)));
+  calls.push_back(CallLine("InternetQueryOptionW", std::to_string(option)));
   return Done(FALSE, ERROR_INTERNET_INVALID_OPTION);
 }
 
 BOOL ScriptedWinInet::InternetSetOptionW(HINTERNET handle, DWORD option, LPVOID, DWORD) {
   ExpectOpen(handle, "InternetSetOptionW");
-  calls.push_back(Line("InternetSetOptionW", std::to_string(option)));
+  calls.push_back(CallLine("InternetSetOptionW", std::to_string(option)));
   return Done(FALSE, ERROR_INTERNET_INVALID_OPTION);
 }
 
 BOOL ScriptedWinInet::InternetCloseHandle(HINTERNET handle) {
   const int number = NumberOf(handle);
-  calls.push_back(Line("InternetCloseHandle", std::to_string(number)));
+  calls.push_back(CallLine("InternetCloseHandle", std::to_string(number)));
   ExpectOpen(handle, "InternetCloseHandle");
   if (number <= 0 || number > static_cast<int>(m_handles.size())) return Done(FALSE);
   for (Handle& child : m_handles) {

@@ -12,11 +12,9 @@
 
 #include "platform/text.h"
 #include "platform/wininet.h"
+#include "tests/support/call_line.h"
 
 namespace velandoc::testing {
-
-/// The text in ASCII, other units as \uXXXX; "null" for null.
-std::string Printable(LPCWSTR text);
 
 /// What one send leads to.
 struct Answer {

@@ -14,20 +14,23 @@ namespace {
 
 constexpr UINT kCodePage = 1252;
 
-void AppendEscaped(std::string& out, unsigned char byte) {
-  static constexpr char kDigits[] = "0123456789abcdef";
+constexpr char kLowerDigits[] = "0123456789abcdef";
+constexpr char kUpperDigits[] = "0123456789ABCDEF";
+
+void AppendEscaped(std::string& out, unsigned char byte, const char* digits) {
   out += '%';
-  out += kDigits[byte >> 4];
-  out += kDigits[byte & 15];
+  out += digits[byte >> 4];
+  out += digits[byte & 15];
 }
 
 bool IsBlankOrControl(unsigned char byte) { return byte <= 0x20 || byte == 0x7F; }
 
-void AppendPath(std::string& out, std::string_view bytes, bool escapeNonAscii) {
+void AppendPath(std::string& out, std::string_view bytes, bool escapeNonAscii,
+                const char* digits = kLowerDigits) {
   for (const char character : bytes) {
     const auto byte = static_cast<unsigned char>(character);
     if (IsBlankOrControl(byte) || (escapeNonAscii && byte >= 0x80)) {
-      AppendEscaped(out, byte);
+      AppendEscaped(out, byte, digits);
     } else {
       out += character;
     }
@@ -128,6 +131,13 @@ std::string RequestTarget(WideView objectName) {
   AppendPath(path, Utf8(objectName.substr(0, split)), true);
   std::string target = WithoutDotSegments(path);
   AppendPath(target, AnsiBytes(objectName.substr(split)), false);
+  return target;
+}
+
+std::string EscapedTarget(WideView objectName) {
+  std::string target;
+  if (objectName.empty() || objectName[0] != u'/') target += '/';
+  AppendPath(target, Utf8(objectName), true, kUpperDigits);
   return target;
 }
 

@@ -33,6 +33,10 @@ bool IsUsableHost(const std::string& host);
 /// "%" and "//" included, goes out as it is.
 std::string RequestTarget(WideView objectName);
 
+/// The request target as WinHTTP makes it: as above, but dot segments stay, and path and query
+/// alike become percent-escaped UTF-8, in upper-case hexadecimal.
+std::string EscapedTarget(WideView objectName);
+
 /// A redirect's way: `location` as the server wrote it, absolute or relative to `target` on
 /// `endpoint`. A fragment is dropped. False for other schemes than http and https or text that is
 /// no URL; then nothing is changed.

@@ -50,19 +50,6 @@ bool ParseEntryPairs(CDocumentMeta& meta, IXMLDOMNode* entry) {
   return ParseMetaPairs(meta, SelectSingleNode(entry, OLESTR("../li[.='meta_info=']")).Get());
 }
 
-HRESULT LoadRepaired(const Bstr& text, ComPtr<IXMLDOMDocument2>& document) {
-  ComPtr<IXMLDOMDocument2> loaded;
-  HRESULT result = CreateDomDocument(loaded);
-  if (FAILED(result)) return result;
-  CheckResult(loaded->put_async(VARIANT_FALSE));
-  VARIANT_BOOL parsed = VARIANT_FALSE;
-  result = loaded->loadXML(text.Get(), &parsed);
-  if (FAILED(result)) return result;
-  if (parsed == VARIANT_FALSE) return E_FAIL;
-  document = std::move(loaded);
-  return S_OK;
-}
-
 }  // namespace
 
 WideString RepairPage(WideView page) {
@@ -79,8 +66,7 @@ WideString RepairPage(WideView page) {
 
 HRESULT LoadResponseDom(WideView page, ComPtr<IXMLDOMDocument2>& document) {
   document.Reset();
-  const Bstr text = RaiseOutOfMemory([&] { return Bstr(RepairPage(page)); });
-  return LoadRepaired(text, document);
+  return LoadDomDocument(RaiseOutOfMemory([&] { return Bstr(RepairPage(page)); }), document);
 }
 
 bool ParseStatus(CFrontPageResult& result, IXMLDOMDocument2* document) {

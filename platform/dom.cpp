@@ -37,6 +37,19 @@ HRESULT CreateDomDocument(ComPtr<IXMLDOMDocument2>& document) {
   return object->QueryInterface(IID_IXMLDOMDocument2, document.ReceiveVoid());
 }
 
+HRESULT LoadDomDocument(const Bstr& xml, ComPtr<IXMLDOMDocument2>& document) {
+  ComPtr<IXMLDOMDocument2> loaded;
+  HRESULT result = CreateDomDocument(loaded);
+  if (FAILED(result)) return result;
+  CheckResult(loaded->put_async(VARIANT_FALSE));
+  VARIANT_BOOL parsed = VARIANT_FALSE;
+  result = loaded->loadXML(xml.Get(), &parsed);
+  if (FAILED(result)) return result;
+  if (parsed == VARIANT_FALSE) return E_FAIL;
+  document = std::move(loaded);
+  return S_OK;
+}
+
 ComPtr<IXMLDOMNode> CreateDomNode(IXMLDOMDocument2* document, DOMNodeType type, WideView name,
                                   WideView namespaceUri) {
   Require(document);

@@ -12,6 +12,11 @@ namespace velandoc {
 /// failure is the result, and `document` is then null.
 HRESULT CreateDomDocument(ComPtr<IXMLDOMDocument2>& document);
 
+/// Makes a document of `xml`, the answer of a server. A document that cannot be made or loaded is
+/// its failure as the result, E_FAIL for text that is no XML; raises where it cannot be switched to
+/// loading at once. `document` is then as it was.
+HRESULT LoadDomDocument(const Bstr& xml, ComPtr<IXMLDOMDocument2>& document);
+
 /// Makes a node that belongs to `document` and stands nowhere in it. `type` is NODE_ELEMENT or
 /// NODE_ATTRIBUTE.
 ComPtr<IXMLDOMNode> CreateDomNode(IXMLDOMDocument2* document, DOMNodeType type, WideView name,

@@ -10,14 +10,8 @@ namespace {
 HRESULT ParseResponse(const Bstr& text, WideView serviceNamespace,
                       ComPtr<IXMLDOMDocument2>& response) {
   ComPtr<IXMLDOMDocument2> document;
-  HRESULT result = CreateDomDocument(document);
+  const HRESULT result = LoadDomDocument(text, document);
   if (FAILED(result)) return result;
-  CheckResult(document->put_async(VARIANT_FALSE));
-  VARIANT_BOOL parsed = VARIANT_FALSE;
-  result = document->loadXML(text.Get(), &parsed);
-  if (FAILED(result)) return result;
-  if (parsed == VARIANT_FALSE) return E_FAIL;
-
   const WideString namespaces = WideString(OLESTR("xmlns:soap='"))
                                     .append(kSoapEnvelopeNamespace)
                                     .append(OLESTR("' xmlns:resp='"))

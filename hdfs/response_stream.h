@@ -8,6 +8,7 @@
 
 #include <memory>
 
+#include "connection/winhttp_connection.h"
 #include "connection/wininet_connection.h"
 #include "platform/atl/com_object.h"
 #include "platform/mfc/module_state.h"
@@ -22,7 +23,16 @@ bool ReadResponseBody(CWinInetConnection& connection, void* buffer, ULONG size, 
 /// connection's Resend, which takes no other status than 200.
 HRESULT RewindResponse(CWinInetConnection& connection);
 
-/// `Connection` has the two operations above.
+/// The same over WinHTTP. It asks first whether there is more: where there is not, the read is done
+/// with 0 bytes.
+bool ReadResponseBody(CWinHttpConnection& connection, void* buffer, ULONG size, ULONG& read);
+/// The same over WinHTTP: S_OK for every answer, whatever its status, or the failure of OpenRequest
+/// or Execute. Execute opens a request of its own, so the one opened here before it is overwritten
+/// and stays open.
+HRESULT RewindResponse(CWinHttpConnection& connection);
+
+/// `Connection` is a class derived from one of the two, by its own name: a connection over WinHTTP
+/// has no virtual destructor.
 template <class Connection>
 class CHdfsIStreamOut : public IStream, public CComObjectRootEx<CComSingleThreadModel> {
  public:
@@ -61,7 +71,8 @@ class CHdfsIStreamOut : public IStream, public CComObjectRootEx<CComSingleThread
   STDMETHODIMP Stat(STATSTG*, DWORD) override { return E_NOTIMPL; }
   STDMETHODIMP Clone(IStream**) override { return E_NOTIMPL; }
 
-  /// Its request handle is open and stands at the start of the body.
+  /// Its request handle is open and stands at the start of the body. Over WinHTTP m_keepBody is
+  /// set, so that a rewind leaves the body unread too.
   std::unique_ptr<Connection> m_connection;
 
  protected:

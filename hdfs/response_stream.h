@@ -31,8 +31,8 @@ bool ReadResponseBody(CWinHttpConnection& connection, void* buffer, ULONG size, 
 /// and stays open.
 HRESULT RewindResponse(CWinHttpConnection& connection);
 
-/// `Connection` is a class derived from one of the two, by its own name: a connection over WinHTTP
-/// has no virtual destructor.
+/// `Connection` is a class derived from one of the two, by its own name, and a final one over
+/// WinHTTP: that connection has no virtual destructor.
 template <class Connection>
 class CHdfsIStreamOut : public IStream, public CComObjectRootEx<CComSingleThreadModel> {
  public:

@@ -16,15 +16,20 @@ using ::testing::ElementsAre;
 using testing::HttpAnswer;
 using testing::ScriptedWinHttp;
 
+/// A client's class. Final: it is deleted as what it is, its destructor is not virtual.
+class Connection final : public CWinHttpConnection {
+  using CWinHttpConnection::CWinHttpConnection;
+};
+
 /// A connection whose request has been sent, as a client hands it to a stream.
-std::unique_ptr<CWinHttpConnection> Sent(LPCWSTR url) {
-  auto connection = std::make_unique<CWinHttpConnection>(url);
+std::unique_ptr<Connection> Sent(LPCWSTR url) {
+  auto connection = std::make_unique<Connection>(url);
   connection->m_keepBody = true;
   EXPECT_EQ(connection->Execute(), S_OK);
   return connection;
 }
 
-ComPtr<IStream> StreamOver(std::unique_ptr<CWinHttpConnection> connection) {
+ComPtr<IStream> StreamOver(std::unique_ptr<Connection> connection) {
   ComPtr<IStream> stream;
   EXPECT_EQ(CreateResponseStream(std::move(connection), stream.Receive()), S_OK);
   return stream;

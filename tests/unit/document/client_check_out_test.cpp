@@ -187,6 +187,16 @@ TEST_F(ClientCheckOut, TheTimeOfTheCheckOutIsAFileTime) {
   EXPECT_EQ(Number(&IClient::get_CheckOutTime), "E_FAIL") << "a text";
 }
 
+TEST_F(ClientCheckOut, TheTimeOfTheCheckOutNeedsNoOpenDocument) {
+  // Found, but with no etag, and so no id.
+  m_site.document =
+      Page(DocumentLines("Shared/b.xlsx", {{kCheckedOut, "Thu, 09 Jul 2009 06:00:00"}}));
+  ASSERT_TRUE(Open());
+  EXPECT_EQ(Text(&IClient::get_DocID), "");
+  EXPECT_EQ(Number(&IClient::get_CheckOutTime), "128915928000000000");
+  EXPECT_EQ(Number(&IClient::get_TimeLastModified), "E_FAIL");
+}
+
 // Servers mark a time's type with letters and "|", and such a value is no date for the typed read.
 TEST_F(ClientCheckOut, TimesInTheLetterFormAnswerNoQuestion) {
   m_site.row = RowAnswer("ows_CheckoutUser='12;#Jane Doe'");

@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "standin/body_sink.h"
 #include "standin/request.h"
 #include "standin/response.h"
 
@@ -19,6 +20,10 @@ class Application {
 
   // The body is only counted: request.body may be empty in Answer, request.bodyLength is right.
   virtual bool IgnoresBody(const Request&) const { return false; }
+
+  // Asked once the head is read. Null: the body is read as IgnoresBody says, then Answer is called.
+  // Else the body goes there, and Answer is not called.
+  virtual std::unique_ptr<BodySink> OpenBody(const Request&) { return nullptr; }
 
   virtual Response Answer(const Request& request) = 0;
 };

@@ -8,7 +8,8 @@ namespace velandoc::standin {
 namespace {
 
 constexpr const char* kUsage =
-    "usage: velandoc-standin --certs DIR --log FILE --ready FILE [--site FILE] [--max-seconds N]";
+    "usage: velandoc-standin --certs DIR --log FILE --ready FILE [--site FILE] [--hdfs DIR] "
+    "[--max-seconds N]";
 
 }  // namespace
 
@@ -26,6 +27,8 @@ CommandLine ParseCommandLine(int count, const char* const* arguments) {
       line.ready = value;
     } else if (name == "--site") {
       line.site = value;
+    } else if (name == "--hdfs") {
+      line.hdfs = value;
     } else if (name == "--max-seconds") {
       const auto seconds = ParseNumber<unsigned>(value);
       if (!seconds || *seconds == 0) throw std::invalid_argument(kUsage);

@@ -12,6 +12,8 @@ struct CommandLine {
   std::string ready;
   // A file; empty for the sample that is built in.
   std::string site;
+  // A folder; empty for a fresh one that goes with the program.
+  std::string hdfs;
   std::chrono::seconds longestRun{3600};
 };
 

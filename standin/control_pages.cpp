@@ -5,6 +5,7 @@
 #include <csignal>
 #include <nlohmann/json.hpp>
 
+#include "standin/hdfs_settings.h"
 #include "standin/json_fields.h"
 #include "standin/site_json.h"
 #include "standin/site_time.h"
@@ -30,6 +31,7 @@ Response ControlPages::Answer(const Request& request) {
     if (path == "/behaviour") return Behaviour(request);
     if (path == "/log") return Log(request);
     if (path == "/site") return SiteState(request);
+    if (path == "/hdfs") return Hdfs(request);
     if (path == "/caller" && method == "PUT") return SetCaller(request);
     if (path == "/clock" && method == "PUT") return SetClock(request);
     if (path == "/stats" && method == "GET") return Stats();
@@ -90,6 +92,19 @@ Response ControlPages::SiteState(const Request& request) {
   return Done();
 }
 
+Response ControlPages::Hdfs(const Request& request) {
+  if (request.method == "GET")
+    return TextAnswer(200, "application/json", FormatHdfsSettings(m_services.hdfs.Settings()));
+  if (request.method == "PUT") {
+    m_services.hdfs.Set(ParseHdfsSettings(request.body));
+  } else if (request.method == "DELETE") {
+    m_services.hdfs.Reset();
+  } else {
+    throw std::invalid_argument("hdfs takes GET, PUT and DELETE");
+  }
+  return Done();
+}
+
 // The user is told in the answer, as the site knows him.
 Response ControlPages::SetCaller(const Request& request) {
   const json value = json::parse(request.body);
@@ -135,7 +150,10 @@ Response ControlPages::SetCertificate(const Request& request) {
 }
 
 Response ControlPages::SetRecording(const Request& request) {
-  m_services.log.SetRecording(json::parse(request.body).at("on").get<bool>());
+  const json value = json::parse(request.body);
+  CheckKeys(value, "recording", {"on", "largest_hash"});
+  m_services.log.SetRecording(value.at("on").get<bool>(),
+                              Number(value, "largest_hash", kLargestHashedBody));
   return Done();
 }
 

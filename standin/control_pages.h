@@ -1,4 +1,4 @@
-// What the control port offers: rules, the log, the site, counts, certificates, the end.
+// What the control port offers: rules, the log, the site, HDFS, counts, certificates, the end.
 #pragma once
 
 #include "standin/application.h"
@@ -18,6 +18,7 @@ class ControlPages final : public Application {
   Response Behaviour(const Request& request);
   Response Log(const Request& request);
   Response SiteState(const Request& request);
+  Response Hdfs(const Request& request);
   Response SetCaller(const Request& request);
   Response SetClock(const Request& request);
   Response Stats() const;

@@ -5,14 +5,18 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <fstream>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 
 #include "standin/command_line.h"
 #include "standin/control_pages.h"
+#include "standin/hdfs_service.h"
 #include "standin/lists_service.h"
 #include "standin/measuring_pages.h"
 #include "standin/rpc_service.h"
@@ -67,12 +71,45 @@ Site LoadSite(const std::string& path) {
   }
 }
 
+// A fresh folder that goes with its object.
+class TemporaryFolder {
+ public:
+  explicit TemporaryFolder(const std::filesystem::path& parent)
+      : m_path((parent / "hdfs-XXXXXX").string()) {
+    if (!mkdtemp(m_path.data())) throw std::runtime_error(m_path + ": cannot be made");
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  ~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(m_path, ignored);
+  }
+
+  const std::string& Path() const { return m_path; }
+
+ private:
+  std::string m_path;
+};
+
+// Beside the log, or beside the ready file where the log is a device.
+std::filesystem::path FolderForFiles(const CommandLine& line) {
+  const bool isFile = std::filesystem::is_regular_file(line.log);
+  return std::filesystem::absolute(isFile ? line.log : line.ready).parent_path();
+}
+
 void Run(const CommandLine& line) {
   const sigset_t signals = BlockEndingSignals();
   xmlInitParser();
 
-  ApplicationList applications;
+  RequestLog log(line.log);
+  std::optional<TemporaryFolder> files;
+  if (line.hdfs.empty()) files.emplace(FolderForFiles(line));
+  HdfsStore hdfs(files ? files->Path() : line.hdfs, files.has_value());
   SiteStore sites(LoadSite(line.site));
+
+  ApplicationList applications;
+  // Before the others, which look for the ends of paths.
+  applications.Add(std::make_unique<HdfsService>(hdfs));
   applications.Add(std::make_unique<ListsService>(sites));
   applications.Add(std::make_unique<WebsService>(sites));
   applications.Add(std::make_unique<UserGroupService>(sites));
@@ -81,13 +118,12 @@ void Run(const CommandLine& line) {
 
   Certificates certificates(line.certificates);
   TlsAcceptor tls(certificates);
-  RequestLog log(line.log);
   RuleBook rules;
   Statistics statistics;
   StopSignal stop;
   ApplicationList controlPages;
-  Services services{applications, controlPages, certificates, tls, log,
-                    rules,        sites,        statistics,   stop};
+  Services services{applications, controlPages, certificates, tls,        log,
+                    rules,        sites,        hdfs,         statistics, stop};
   controlPages.Add(std::make_unique<ControlPages>(services));
 
   Server server(services);

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "standin/hdfs_call.h"
 #include "standin/rpc_form.h"
 
 namespace velandoc::standin {
@@ -17,6 +18,7 @@ std::string OperationName(const Request& request) {
     if (name.ends_with('"')) name.remove_suffix(1);
     return std::string(name.substr(name.rfind('/') + 1));
   }
+  if (const auto call = ParseHdfsCall(request)) return call->op;
   constexpr std::string_view kMethod = "method=";
   if (!IsRpcRequest(request) || !request.body.starts_with(kMethod)) return {};
   std::string problem;
@@ -25,6 +27,12 @@ std::string OperationName(const Request& request) {
   if (!form) return {};
   const std::string& method = form->front().value;
   return method.substr(0, method.find(':'));
+}
+
+std::string RoleName(const Request& request) {
+  const auto call = ParseHdfsCall(request);
+  if (!call) return {};
+  return call->isForData ? "data node" : "name node";
 }
 
 }  // namespace velandoc::standin

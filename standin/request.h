@@ -45,8 +45,11 @@ struct Request {
   std::string connectHost;
 
   // What is called, if this is a call: the operation of a web service or the method of FrontPage
-  // RPC, without its version. The latter is known once the body is.
+  // RPC, without its version, or of WebHDFS in capitals. That of RPC is known once the body is.
   std::string operation;
+  // Which of several servers at one address is meant: "name node" or "data node" of HDFS; else
+  // empty.
+  std::string role;
   // Whose credentials a rule demanded and got; empty without one.
   std::string user;
 

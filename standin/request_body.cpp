@@ -20,7 +20,7 @@ class BodyReader {
 
   BodyResult Length(std::uint64_t length) {
     m_keep = m_options.keep || length <= kLargestLoggedBody;
-    m_hash = m_options.hash && length > kLargestLoggedBody && length <= kLargestHashedBody;
+    m_hash = length > kLargestLoggedBody && length <= m_options.largestHash;
     if (m_options.keep && length > kLargestKeptBody) return BodyResult::kTooLong;
     if (m_keep) m_request.body.reserve(length);
     return Finish(Payload(length));
@@ -28,7 +28,7 @@ class BodyReader {
 
   BodyResult Chunked() {
     m_keep = true;
-    m_hash = m_options.hash;
+    m_hash = m_options.largestHash > 0;
     std::string line;
     for (;;) {
       if (!m_input.ReadLine(line)) return Finish(BodyResult::kCutShort);
@@ -51,15 +51,16 @@ class BodyReader {
  private:
   BodyResult Payload(std::uint64_t length) {
     while (length > 0) {
-      std::uint64_t wanted = std::min<std::uint64_t>(length, m_keep || m_hash ? kPiece : length);
+      const bool isLookedAt = m_keep || m_hash || (m_options.sink && m_options.sink->NeedsBytes());
+      std::uint64_t wanted = std::min<std::uint64_t>(length, isLookedAt ? kPiece : length);
       if (m_options.stopAfter)
         wanted = std::min(wanted, *m_options.stopAfter - m_request.bodyLength);
       if (wanted == 0) return BodyResult::kStopped;
-      const std::size_t got = m_keep || m_hash ? Look(wanted) : m_input.Discard(wanted);
+      const std::size_t got = isLookedAt ? Look(wanted) : Pass(wanted);
       if (got == 0) return BodyResult::kCutShort;
       length -= got;
       m_request.bodyLength += got;
-      if (m_request.bodyLength > kLargestHashedBody) m_hash = false;
+      if (m_request.bodyLength > m_options.largestHash) m_hash = false;
       if (m_request.bodyLength > kLargestLoggedBody && !m_options.keep && m_keep) {
         m_keep = false;
         m_request.body.clear();
@@ -75,6 +76,13 @@ class BodyReader {
     const std::string_view bytes(m_piece.get(), got);
     if (m_keep) m_request.body += bytes;
     if (m_hash) m_sha256.Add(bytes);
+    if (m_options.sink && got > 0) m_options.sink->Add(bytes);
+    return got;
+  }
+
+  std::size_t Pass(std::uint64_t wanted) {
+    const std::size_t got = m_input.Discard(wanted);
+    if (m_options.sink) m_options.sink->Skip(got);
     return got;
   }
 

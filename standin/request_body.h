@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "standin/body_sink.h"
 #include "standin/input_buffer.h"
 #include "standin/request.h"
 
@@ -17,18 +18,23 @@ enum class BodyResult {
   kTooLong,    // More than can be kept.
 };
 
+// The largest body that the log shows byte by byte.
+inline constexpr std::uint64_t kLargestLoggedBody = 64 * 1024;
+// Above this, hashing would be slower than the transfer that it describes, so it is left out unless
+// a test asks for it.
+inline constexpr std::uint64_t kLargestHashedBody = 64u << 20;
+
 struct BodyOptions {
   // Keep request.body; else the bytes pass unseen (up to 64 KiB are kept for the log all the same).
   bool keep = true;
-  bool hash = true;
+  // The largest body to hash; 0 for none.
+  std::uint64_t largestHash = kLargestHashedBody;
+  // Gets the payload; may be null.
+  BodySink* sink = nullptr;
   // Stop once that many bytes of payload have been read.
   std::optional<std::uint64_t> stopAfter;
 };
 
-// The largest body that the log shows byte by byte.
-inline constexpr std::uint64_t kLargestLoggedBody = 64 * 1024;
-// Above this, hashing would be slower than the transfer that it describes, so it is left out.
-inline constexpr std::uint64_t kLargestHashedBody = 64u << 20;
 // The largest body that is held for an application.
 inline constexpr std::uint64_t kLargestKeptBody = 256u << 20;
 

@@ -8,7 +8,6 @@
 #include <string_view>
 #include <system_error>
 
-#include "standin/request_body.h"
 #include "standin/sha256.h"
 
 namespace velandoc::standin {
@@ -59,6 +58,7 @@ std::string FormatLine(const Request& request, std::uint64_t number) {
   AppendField(json, "target", request.target);
   AppendField(json, "host", request.host);
   if (!request.operation.empty()) AppendField(json, "operation", request.operation);
+  if (!request.role.empty()) AppendField(json, "role", request.role);
   AppendField(json, "head", request.head);
   if (request.bodyLength <= kLargestLoggedBody) AppendField(json, "body", request.body);
   json += ",\"body_length\":" + std::to_string(request.bodyLength);
@@ -126,14 +126,15 @@ void RequestLog::Clear() {
   m_size = 0;
 }
 
-void RequestLog::SetRecording(bool on) {
+void RequestLog::SetRecording(bool on, std::uint64_t largestHash) {
   const std::lock_guard lock(m_mutex);
   m_isRecording = on && m_isRegularFile;
+  m_largestHash = largestHash;
 }
 
-bool RequestLog::IsRecording() const {
+std::uint64_t RequestLog::LargestHash() const {
   const std::lock_guard lock(m_mutex);
-  return m_isRecording;
+  return m_isRecording ? m_largestHash : 0;
 }
 
 std::uint64_t RequestLog::Count() const {

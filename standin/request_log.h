@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "standin/request.h"
+#include "standin/request_body.h"
 #include "standin/unique_fd.h"
 
 namespace velandoc::standin {
@@ -31,8 +32,9 @@ class RequestLog {
   void Clear();
 
   // Off: requests are counted only, and their bodies need not be hashed. For measurements.
-  void SetRecording(bool on);
-  bool IsRecording() const;
+  void SetRecording(bool on, std::uint64_t largestHash = kLargestHashedBody);
+  // The largest body to be hashed; 0 while nothing is recorded.
+  std::uint64_t LargestHash() const;
 
   std::uint64_t Count() const;
 
@@ -50,6 +52,7 @@ class RequestLog {
   std::uint64_t m_count = 0;
   bool m_isRegularFile = true;
   bool m_isRecording = true;
+  std::uint64_t m_largestHash = kLargestHashedBody;
 };
 
 }  // namespace velandoc::standin

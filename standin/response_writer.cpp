@@ -1,8 +1,11 @@
 #include "standin/response_writer.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <memory>
 #include <string>
 
 #include "standin/text.h"
@@ -18,6 +21,21 @@ const std::string& CountingPiece() {
   static const std::string piece = [] {
     std::string bytes(kPatternPiece + kPeriod, '\0');
     for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i % kPeriod);
+    return bytes;
+  }();
+  return piece;
+}
+
+// 64 bytes a line: a whole number of them is a piece.
+constexpr std::string_view kLine =
+    "A line of text, as it stands in a file that nobody ever stored.\n";
+constexpr std::size_t kLinesPiece = kLine.size() * 4096;
+
+const std::string& LinesPiece() {
+  static_assert(kLine.size() == 64);
+  static const std::string piece = [] {
+    std::string bytes;
+    while (bytes.size() < kLinesPiece + kLine.size()) bytes += kLine;
     return bytes;
   }();
   return piece;
@@ -44,19 +62,35 @@ class BodySource {
       m_bodyDone += piece.size();
       return piece;
     }
+    if (m_response.file) return NextOfFile(most);
     most = std::min(most, m_response.patternLength - m_patternDone);
     most = std::min<std::uint64_t>(most, kPatternPiece);
-    const std::uint64_t start = m_patternDone;
+    const std::uint64_t start = m_response.patternStart + m_patternDone;
     m_patternDone += most;
     if (m_response.pattern == Pattern::kSame) return std::string_view(m_same).substr(0, most);
+    if (m_response.pattern == Pattern::kLines)
+      return std::string_view(LinesPiece()).substr(start % kLine.size(), most);
     return std::string_view(CountingPiece()).substr(start % kPeriod, most);
   }
 
  private:
+  std::string_view NextOfFile(std::uint64_t most) {
+    most = std::min<std::uint64_t>({most, m_response.fileLength - m_fileDone, kPatternPiece});
+    if (most == 0) return {};
+    if (!m_piece) m_piece = std::make_unique_for_overwrite<char[]>(kPatternPiece);
+    const ssize_t got = pread(m_response.file->Get(), m_piece.get(), most,
+                              static_cast<off_t>(m_response.fileStart + m_fileDone));
+    if (got <= 0) return {};
+    m_fileDone += static_cast<std::uint64_t>(got);
+    return {m_piece.get(), static_cast<std::size_t>(got)};
+  }
+
   const Response& m_response;
   std::string m_same;
   std::size_t m_bodyDone = 0;
   std::uint64_t m_patternDone = 0;
+  std::uint64_t m_fileDone = 0;
+  std::unique_ptr<char[]> m_piece;
 };
 
 std::string Head(const Response& response) {
@@ -95,6 +129,8 @@ bool SendChunk(AnswerStream& stream, std::string_view head, std::string& scratch
   scratch += "\r\n";
   for (std::uint64_t left = size; left > 0;) {
     const std::string_view piece = source.Next(left);
+    // A file that became shorter: the client is not to take what there is for the whole.
+    if (piece.empty()) return false;
     scratch += piece;
     left -= piece.size();
   }
@@ -121,12 +157,16 @@ bool WriteResponse(AnswerStream& stream, const Response& response, bool isHeadRe
   if (!HasBody(response, isHeadRequest)) return stream.Send(head, {});
   if (response.framing == Framing::kChunked) return WriteChunked(stream, head, response);
   BodySource source(response);
-  if (!stream.Send(head, source.Next(kPatternPiece))) return false;
-  for (;;) {
+  std::string_view part = head;
+  std::uint64_t sent = 0;
+  do {
     const std::string_view piece = source.Next(kPatternPiece);
-    if (piece.empty()) return true;
-    if (!stream.Send({}, piece)) return false;
-  }
+    if (!stream.Send(part, piece)) return false;
+    part = {};
+    if (piece.empty()) return sent == response.Length();
+    sent += piece.size();
+  } while (sent < response.Length());
+  return true;
 }
 
 }  // namespace velandoc::standin

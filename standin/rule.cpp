@@ -10,6 +10,7 @@ bool RuleMatch::Fits(const Request& request) const {
   if (method && *method != request.method) return false;
   if (tls && *tls != request.tls) return false;
   if (operation && *operation != request.operation) return false;
+  if (role && *role != request.role) return false;
   return !headContains || request.head.find(*headContains) != std::string::npos;
 }
 

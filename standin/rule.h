@@ -33,6 +33,8 @@ struct RuleMatch {
   std::optional<std::string> headContains;
   // Whole, in the same case; see Request::operation.
   std::optional<std::string> operation;
+  // Whole, in the same case; see Request::role.
+  std::optional<std::string> role;
 
   bool Fits(const Request& request) const;
 };

@@ -256,18 +256,20 @@ Rule ParseRule(const json& object) {
   CheckKeys(object, "a rule", {"match", "times", "skip", "do"});
   Rule rule;
   const json match = object.value("match", json::object());
-  CheckKeys(match, "match", {"host", "path", "method", "tls", "head_contains", "operation"});
+  CheckKeys(match, "match",
+            {"host", "path", "method", "tls", "head_contains", "operation", "role"});
   rule.match.host = Optional<std::string>(match, "host");
   rule.match.path = Optional<std::string>(match, "path");
   rule.match.method = Optional<std::string>(match, "method");
   rule.match.tls = Optional<bool>(match, "tls");
   rule.match.headContains = Optional<std::string>(match, "head_contains");
   rule.match.operation = Optional<std::string>(match, "operation");
+  rule.match.role = Optional<std::string>(match, "role");
   rule.times = Optional<std::uint64_t>(object, "times");
   rule.skip = Number(object, "skip", 0);
   rule.actions = ParseActions(object.at("do"));
-  const bool looksAtHead =
-      rule.match.host || rule.match.path || rule.match.method || rule.match.headContains;
+  const bool looksAtHead = rule.match.host || rule.match.path || rule.match.method ||
+                           rule.match.headContains || rule.match.role;
   if (rule.actions.ConcernsAccept() && (looksAtHead || rule.match.operation))
     throw std::invalid_argument("nothing but tls is known when a connection is accepted");
   return rule;

@@ -5,6 +5,7 @@
 
 #include "standin/application.h"
 #include "standin/certificates.h"
+#include "standin/hdfs_store.h"
 #include "standin/request_log.h"
 #include "standin/rule_book.h"
 #include "standin/site_store.h"
@@ -22,6 +23,7 @@ struct Services {
   RequestLog& log;
   RuleBook& rules;
   SiteStore& sites;
+  HdfsStore& hdfs;
   Statistics& statistics;
   StopSignal& stop;
 };

@@ -1,6 +1,7 @@
 #include "standin/session.h"
 
 #include <exception>
+#include <memory>
 #include <optional>
 
 #include "standin/operation_name.h"
@@ -30,9 +31,17 @@ std::string InterimAnswer(int status) {
   return answer + "\r\n\r\n";
 }
 
-Response AnswerOf(Application* application, const Request& request) {
+std::unique_ptr<BodySink> OpenBody(Application* application, const Request& request,
+                                   const Plan& plan) {
+  // What a rule answers never reaches the application.
+  if (!application || plan.response || plan.raw || plan.hang) return nullptr;
+  return application->OpenBody(request);
+}
+
+Response AnswerOf(Application* application, const Request& request, BodySink* sink) {
   if (!application) return HtmlPage(404, "Not Found", "There is nothing at this address.");
   try {
+    if (sink) return sink->Settled() ? *sink->Settled() : sink->Finish();
     return application->Answer(request);
   } catch (const std::exception& error) {
     return HtmlPage(500, "Internal Server Error", error.what());
@@ -97,40 +106,54 @@ Session::Next Session::ServeOne() {
 
 Plan Session::PlanFor(Request& request, std::optional<BodyResult>& body) {
   if (m_services.rules.AsksForOperations() && IsRpcRequest(request))
-    body =
-        ReadBodyOf(request, FindApplication(request), std::nullopt).value_or(BodyResult::kCutShort);
+    body = ReadBodyOf(request, FindApplication(request), nullptr, std::nullopt)
+               .value_or(BodyResult::kCutShort);
   request.operation = OperationName(request);
+  request.role = RoleName(request);
   return MakePlan(m_services.rules, request, m_auth);
 }
 
+bool Session::WaitsWithBody(const Request& request) const {
+  return request.Lists("Expect", "100-continue") && m_input.Waiting().empty();
+}
+
+bool Session::SendContinue(const Request& request, const BodySink* sink) {
+  if (!WaitsWithBody(request) && !(sink && sink->GreetsUnasked())) return true;
+  return m_channel->Write("HTTP/1.1 100 Continue\r\n\r\n");
+}
+
 std::optional<BodyResult> Session::ReadBodyOf(Request& request, const Application* application,
+                                              BodySink* sink,
                                               std::optional<std::uint64_t> stopAfter) {
-  if (request.Lists("Expect", "100-continue") && m_input.Waiting().empty() &&
-      !m_channel->Write("HTTP/1.1 100 Continue\r\n\r\n"))
-    return std::nullopt;
+  const bool isSettled = sink && sink->Settled();
+  if (isSettled && WaitsWithBody(request)) return BodyResult::kComplete;
+  if (!SendContinue(request, sink)) return std::nullopt;
   BodyOptions options;
-  options.keep = application && !application->IgnoresBody(request);
-  options.hash = !IsControl() && m_services.log.IsRecording();
+  options.keep = !sink && application && !application->IgnoresBody(request);
+  options.largestHash = IsControl() ? 0 : m_services.log.LargestHash();
   options.stopAfter = stopAfter;
+  if (!isSettled) options.sink = sink;
   return ReadBody(m_input, request, options);
 }
 
 Session::Next Session::Handle(Request& request, const Plan& plan, std::optional<BodyResult> body) {
+  request.user = plan.user;
   Application* application = FindApplication(request);
+  const std::unique_ptr<BodySink> sink = OpenBody(application, request, plan);
   if (!body && plan.isEarly) body = BodyResult::kComplete;
   if (!body) {
     const bool isCut = plan.cut && plan.cut->at == Cut::At::kRequest;
-    body = ReadBodyOf(request, application, isCut ? plan.cut->afterBytes : std::nullopt);
+    body =
+        ReadBodyOf(request, application, sink.get(), isCut ? plan.cut->afterBytes : std::nullopt);
     if (!body) return Ending::kAbrupt;
   }
-  request.user = plan.user;
   if (!IsControl()) {
     request.operation = OperationName(request);
     m_services.log.Add(request);
   }
   if (*body == BodyResult::kStopped) return EndingOf(*plan.cut);
   if (*body != BodyResult::kComplete) return Refuse(request, *body);
-  return Answer(request, plan, application);
+  return Answer(request, plan, application, sink.get());
 }
 
 Session::Next Session::Refuse(const Request& request, BodyResult body) {
@@ -141,7 +164,8 @@ Session::Next Session::Refuse(const Request& request, BodyResult body) {
   return Ending::kOrderly;
 }
 
-Session::Next Session::Answer(const Request& request, const Plan& plan, Application* application) {
+Session::Next Session::Answer(const Request& request, const Plan& plan, Application* application,
+                              BodySink* sink) {
   if (plan.delay.count() > 0 && !m_services.stop.Sleep(plan.delay)) return Ending::kAbrupt;
   if (plan.cut && plan.cut->at == Cut::At::kRequest) return EndingOf(*plan.cut);
   if (plan.hang) {
@@ -153,7 +177,7 @@ Session::Next Session::Answer(const Request& request, const Plan& plan, Applicat
   if (plan.raw) return SendRaw(plan);
   if (plan.response) return Send(request, plan, *plan.response);
   if (request.method == "CONNECT" && !IsControl()) return OpenTunnel(request);
-  return Send(request, plan, AnswerOf(application, request));
+  return Send(request, plan, AnswerOf(application, request, sink));
 }
 
 Session::Next Session::OpenTunnel(const Request& request) {

@@ -42,12 +42,15 @@ class Session {
   Plan PlanFor(Request& request, std::optional<BodyResult>& body);
   // The head is read and `plan` made: reads the body, records the request and answers.
   Next Handle(Request& request, const Plan& plan, std::optional<BodyResult> body);
-  // Nothing: the client is gone.
+  // Nothing: the client is gone. `sink` may be null.
   std::optional<BodyResult> ReadBodyOf(Request& request, const Application* application,
-                                       std::optional<std::uint64_t> stopAfter);
+                                       BodySink* sink, std::optional<std::uint64_t> stopAfter);
+  bool SendContinue(const Request& request, const BodySink* sink);
+  // The client asked whether to send its body, and has not sent it without waiting.
+  bool WaitsWithBody(const Request& request) const;
   // How the body ended, when the request cannot be answered as it should be.
   Next Refuse(const Request& request, BodyResult body);
-  Next Answer(const Request& request, const Plan& plan, Application* application);
+  Next Answer(const Request& request, const Plan& plan, Application* application, BodySink* sink);
   Next OpenTunnel(const Request& request);
   Next Send(const Request& request, const Plan& plan, const Response& response);
   Next SendRaw(const Plan& plan);

@@ -22,6 +22,8 @@ class UniqueFd {
   ~UniqueFd() { Reset(); }
 
   int Get() const { return m_fd; }
+  // Another owner has taken it.
+  void Release() { m_fd = -1; }
   bool IsOpen() const { return m_fd >= 0; }
   void Reset() {
     if (m_fd >= 0) close(std::exchange(m_fd, -1));

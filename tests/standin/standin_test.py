@@ -20,6 +20,7 @@ from process_cases import *
 from rpc_cases import *
 from sharepoint_cases import *
 from site_cases import *
+from webhdfs_cases import *
 from wire_cases import *
 
 

@@ -129,6 +129,7 @@ StandInRequest RequestOf(const json& record) {
   request.target = BytesOf(record.at("target"));
   request.host = BytesOf(record.at("host"));
   if (record.contains("operation")) request.operation = BytesOf(record["operation"]);
+  if (record.contains("role")) request.role = BytesOf(record["role"]);
   request.head = BytesOf(record.at("head"));
   if (record.contains("body")) request.body = BytesOf(record["body"]);
   request.bodyLength = record.at("body_length");
@@ -180,6 +181,9 @@ void StandIn::SetCaller(std::string_view login) {
   Command("PUT", "/caller", json{{"login", std::string(login)}}.dump());
 }
 
+void StandIn::SetHdfs(std::string_view json) { Command("PUT", "/hdfs", json); }
+void StandIn::ResetHdfs() { Command("DELETE", "/hdfs"); }
+
 void StandIn::SetCertificate(std::string_view kind) {
   const json value = kind.empty() ? json(nullptr) : json(std::string(kind));
   Command("PUT", "/certificate", json{{"kind", value}}.dump());
@@ -195,6 +199,7 @@ StandInStats StandIn::Stats() const {
 void StandIn::Reset() {
   ClearBehaviour();
   ResetSite();
+  ResetHdfs();
   SetCertificate({});
   SetRecording(true);
   ClearLog();

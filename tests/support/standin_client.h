@@ -23,9 +23,11 @@ struct StandInRequest {
   std::string method;
   std::string target;
   std::string host;
-  // The operation of a web service or the method of FrontPage RPC, without its version; empty for
-  // a request that is no call.
+  // The operation of a web service or of WebHDFS, or the method of FrontPage RPC, without its
+  // version; empty for a request that is no call.
   std::string operation;
+  // "name node" or "data node" for WebHDFS; else empty.
+  std::string role;
   // The bytes from the request line to the empty line.
   std::string head;
   // The payload; empty for bodies above 64 KiB, which have a hash instead.
@@ -77,6 +79,11 @@ class StandIn {
   // Who comes without credentials, by login or by the part of it behind "\"; empty for nobody.
   void SetCaller(std::string_view login);
 
+  // What kind of HDFS is played, by a JSON object; keys left out have their defaults.
+  void SetHdfs(std::string_view json);
+  // The defaults, and no files if the server's folder is its own.
+  void ResetHdfs();
+
   // What the https port shows for every name: "good", "expired", "notyet", "othername",
   // "unknownca", "selfsigned", "allwrong" or "clientcert". Empty: by the name asked for.
   void SetCertificate(std::string_view kind);
@@ -90,7 +97,7 @@ class StandIn {
   // connection. For tests of what is on the wire; ask for "Connection: close".
   std::string Exchange(std::uint16_t port, std::string_view bytes) const;
 
-  // Rules, log, site, forced certificate: all as after the start.
+  // Rules, log, site, HDFS, forced certificate: all as after the start.
   void Reset();
 
  private:

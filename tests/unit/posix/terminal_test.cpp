@@ -24,6 +24,9 @@ class Child {
     m_process = forkpty(&m_terminal, nullptr, nullptr, nullptr);
     if (m_process == 0) {
       unsetenv("VELANDOC_NO_INPUT");
+      // Who runs the tests in the background or with nohup has these ignored, and children inherit
+      // that.
+      for (const int ending : {SIGHUP, SIGINT, SIGTERM}) signal(ending, SIG_DFL);
       // The child must not run the rest of the test program.
       _exit(body(SystemPort<Terminal>()));
     }

@@ -317,6 +317,46 @@ TEST_F(ListItems, MarkupInAValueIsMarkupInTheRequest) {
       << Method(0);
 }
 
+TEST_F(ListItems, WhatAnUpdateCanCarry) {
+  static constexpr OLECHAR kHalfPair[] = {'a', 0xD83D, 'z', 0};
+  const struct {
+    LPCWSTR value;
+    const char* sent;  // the column's element, or "" if the updates are lost
+    const char* why;
+  } cases[] = {
+      {OLESTR("plain"), "Field Name=\"A\" ( 'plain' )", ""},
+      {OLESTR(""), "Field Name=\"A\"", "an empty value"},
+      {OLESTR("it's \"x\" > y"), "Field Name=\"A\" ( 'it's \"x\" > y' )", "quotes, and >"},
+      {OLESTR("\u20ac \U0001F600"), "Field Name=\"A\" ( '\\u20ac \\ud83d\\ude00' )", "any letter"},
+      {OLESTR("R&D"), "", "a bare ampersand"},
+      {OLESTR("R&amp;D"), "Field Name=\"A\" ( 'R&D' )", "one that the caller escaped"},
+      {OLESTR("a < b"), "", "a bracket"},
+      {OLESTR("a]]>b"), "", "what ends a section"},
+      {OLESTR("a\nb"), "Field Name=\"A\" ( 'a\\u000ab' )", "a line feed"},
+      {OLESTR("a\r\nb"), "Field Name=\"A\" ( 'a\\u000ab' )", "a line's end becomes one"},
+      {OLESTR(" a  b "), "Field Name=\"A\" ( 'a  b' )", "blanks at the ends go"},
+      {OLESTR("  "), "Field Name=\"A\"", "blanks alone too"},
+      {OLESTR("a\x01z"), "", "a control character"},
+      {OLESTR("a\uffffz"), "", "a code point that XML does not have"},
+      {kHalfPair, "", "half a pair of units"},
+      {OLESTR("<b>x</b>"), "Field Name=\"A\" ( b ( 'x' ) )", "markup"},
+      {OLESTR("a <b>x</b>"), "", "text beside markup"},
+      {OLESTR("<!-- x -->"), "Field Name=\"A\"", "a comment goes"},
+  };
+  for (const auto& test : cases) {
+    m_platform.bodies.clear();
+    Update(Xml(Envelope(Rows(Row(kRow)))), {OLESTR("A")}, {test.value});
+    const std::string expected =
+        *test.sent == 0 ? "UpdateListItems* ( listName* ( '{L}' ) )"
+                        : "UpdateListItems* ( listName* ( '{L}' ) updates* ( Batch ( Method "
+                          "ID=\"1\" Cmd=\"Update\" ( Field Name=\"ID\" ( '7' ) FileRef "
+                          "Name=\"FileRef\" ( 'http://h/sites/a/D/b.xlsx' ) " +
+                              std::string(test.sent) + " ) ) ) )";
+    EXPECT_EQ(Sent(Method(0)), Sent(expected))
+        << testing::Printable(test.value) << ": " << test.why;
+  }
+}
+
 TEST_F(ListItems, TheVerdictOnTheUpdateIsNotLookedAt) {
   const std::string refused =
       std::string("<UpdateListItemsResponse xmlns='") + testing::kService +

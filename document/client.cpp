@@ -1,12 +1,12 @@
 #include "document/client.h"
 
 #include "connection/url_components.h"
-#include "document/results.h"
 #include "document/unc_path.h"
 #include "frontpage/current_user.h"
 #include "frontpage/resolve_document.h"
 #include "platform/mfc/module_state.h"
 #include "platform/owners.h"
+#include "platform/results.h"
 #include "soap/list_fields.h"
 #include "soap/list_items.h"
 #include "soap/soap_namespaces.h"

@@ -1,9 +1,9 @@
 // CClient: who holds the document and since when, and the three operations that change it.
 #include "document/client.h"
 #include "document/file_time.h"
-#include "document/results.h"
 #include "platform/mfc/module_state.h"
 #include "platform/owners.h"
+#include "platform/results.h"
 #include "soap/check_out.h"
 
 namespace velandoc {

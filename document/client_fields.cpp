@@ -2,8 +2,8 @@
 #include <algorithm>
 
 #include "document/client.h"
-#include "document/results.h"
 #include "platform/mfc/module_state.h"
+#include "platform/results.h"
 
 namespace velandoc {
 STDMETHODIMP CClient::HasFields(VARIANT_BOOL* Flag) {

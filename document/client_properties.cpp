@@ -3,9 +3,9 @@
 
 #include "document/client.h"
 #include "document/file_time.h"
-#include "document/results.h"
 #include "platform/mfc/module_state.h"
 #include "platform/owners.h"
+#include "platform/results.h"
 
 namespace velandoc {
 namespace {

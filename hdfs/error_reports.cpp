@@ -1,7 +1,7 @@
 #include "hdfs/error_reports.h"
 
+#include "hdfs/ansi_text.h"
 #include "hdfs/error_texts.h"
-#include "platform/code_page.h"
 #include "platform/error_services.h"
 #include "platform/out_of_memory.h"
 #include "platform/resources.h"
@@ -10,18 +10,6 @@ namespace velandoc {
 namespace {
 
 constexpr DWORD kStatusOk = 200;
-
-WideString FromAnsi(const NarrowString& bytes) {
-  CodePage& codePage = CurrentPort<CodePage>();
-  const auto convert = [&](LPWSTR wide, int capacity) {
-    return codePage.MultiByteToWideChar(CP_ACP, 0, bytes.data(), static_cast<int>(bytes.size()),
-                                        wide, capacity);
-  };
-  if (bytes.empty()) return WideString();
-  WideString wide(static_cast<std::size_t>(convert(nullptr, 0)), 0);
-  if (!wide.empty()) convert(wide.data(), static_cast<int>(wide.size()));
-  return wide;
-}
 
 }  // namespace
 

@@ -4,6 +4,7 @@
 
 #include "document/client.h"
 #include "document/server_check.h"
+#include "hdfs/hdfs_client.h"
 #include "velandoc_idl.h"
 
 namespace velandoc {
@@ -23,6 +24,7 @@ std::span<_ATL_OBJMAP_ENTRY> CVelandocModule::GetObjectMap() {
   // HdfsClientWinHttp (110), ServerCheck (108), each from the day it exists.
   static std::array map = {
       AtlObjectEntry<CClient>(103),
+      AtlObjectEntry<CHdfsClient>(109),
       AtlObjectEntry<CServerCheck>(108),
   };
   return map;
@@ -35,6 +37,7 @@ TypeLibrary CVelandocModule::GetTypeLibrary() {
   static constexpr TypeLibraryInterface kInterfaces[] = {
       {&IID_IServerCheck, OLESTR("IServerCheck")},
       {&IID_IClient, OLESTR("IClient")},
+      {&IID_IHdfsClient, OLESTR("IHdfsClient")},
       {&IID_IConnectionError, OLESTR("IConnectionError")},
   };
   return {.path = {},

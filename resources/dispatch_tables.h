@@ -44,6 +44,48 @@ struct DispatchTable<IClient> {
 };
 
 template <>
+struct DispatchTable<IHdfsClient> {
+  static constexpr DispatchMember kMembers[] = {
+      Get<&IHdfsClient::get_Port>(OLESTR("Port"), 1),
+      Put<&IHdfsClient::put_Port>(OLESTR("Port"), 1),
+      Get<&IHdfsClient::get_ServerName>(OLESTR("ServerName"), 2),
+      Put<&IHdfsClient::put_ServerName>(OLESTR("ServerName"), 2),
+      Get<&IHdfsClient::get_HdfsPath>(OLESTR("HdfsPath"), 3),
+      Put<&IHdfsClient::put_HdfsPath>(OLESTR("HdfsPath"), 3),
+      Function<&IHdfsClient::Download>(
+          OLESTR("Download"), 4,
+          {Default(OLESTR("RandomName"), VARIANT_FALSE), Default(OLESTR("LocalPath"), OLESTR(""))}),
+      Put<&IHdfsClient::put_BaseUrl>(OLESTR("BaseUrl"), 5),
+      Get<&IHdfsClient::get_BaseUrl>(OLESTR("BaseUrl"), 5),
+      Function<&IHdfsClient::Stream>(OLESTR("Stream"), 6),
+      Function<&IHdfsClient::DownloadPreview>(OLESTR("DownloadPreview"), 7,
+                                              {Default(OLESTR("NumberOfLines"), 1000)}),
+      Put<&IHdfsClient::put_UserName>(OLESTR("UserName"), 8),
+      Get<&IHdfsClient::get_UserName>(OLESTR("UserName"), 8),
+      Function<&IHdfsClient::VerifyServer>(OLESTR("VerifyServer"), 10,
+                                           {OLESTR("URL"), Optional(OLESTR("UserName"))}),
+      Get<&IHdfsClient::get_Secure>(OLESTR("Secure"), 11),
+      Put<&IHdfsClient::put_Secure>(OLESTR("Secure"), 11),
+      Get<&IHdfsClient::get_URL>(OLESTR("URL"), 12),
+      Get<&IHdfsClient::get_ConnectionError>(OLESTR("ConnectionError"), 14),
+      Get<&IHdfsClient::get_Op>(OLESTR("Op"), 15),
+      Put<&IHdfsClient::put_Op>(OLESTR("Op"), 15),
+      Function<&IHdfsClient::GetText>(OLESTR("GetText"), 16),
+      Get<&IHdfsClient::get_Options>(OLESTR("Options"), 17),
+      Put<&IHdfsClient::put_Options>(OLESTR("Options"), 17),
+      Method<&IHdfsClient::Upload>(
+          OLESTR("Upload"), 18,
+          {OLESTR("FileNameOrStream"), Default(OLESTR("OverwriteFlag"), VARIANT_TRUE),
+           Default(OLESTR("OctalPermissions"), OLESTR(""))}),
+      Function<&IHdfsClient::Delete>(OLESTR("Delete"), 19,
+                                     {Default(OLESTR("Recursive"), VARIANT_FALSE)}),
+      Function<&IHdfsClient::Rename>(OLESTR("Rename"), 20, {OLESTR("NewName")}),
+      Function<&IHdfsClient::CreateFolder>(OLESTR("CreateFolder"), 21,
+                                           {Default(OLESTR("OctalPermissions"), OLESTR(""))}),
+  };
+};
+
+template <>
 struct DispatchTable<IConnectionError> {
   static constexpr DispatchMember kMembers[] = {
       Get<&IConnectionError::get_HttpCode>(OLESTR("HttpCode"), 1),

@@ -15,15 +15,18 @@ import sys
 import tempfile
 
 APP_ID = "{91509BD2-09D1-4F79-B147-D5EF6C90DB1C}"
+# Class name, class id, the first word of the ProgIDs.
 CLASSES = (
-    ("Client", "{6884BC45-2A7D-4747-AF48-A5EECC5BF9A9}"),
-    ("ServerCheck", "{1D477FCE-048A-4657-BFDF-6DD165043E36}"),
+    ("Client", "{6884BC45-2A7D-4747-AF48-A5EECC5BF9A9}", "Velandoc"),
+    ("HdfsClient", "{5EBD1685-DEAC-437B-A090-846F578C2F99}", "Velantrica"),
+    ("ServerCheck", "{1D477FCE-048A-4657-BFDF-6DD165043E36}", "Velandoc"),
 )
 # The interfaces by name, with their methods counted from IUnknown's on. The first one's id is the proxies' class id.
 PROXY_ID = "{9989FD0D-43C5-4FA7-B6D7-020A323FEF2D}"
 INTERFACES = (
     ("IServerCheck", PROXY_ID, 8),
     ("IClient", "{3BA03214-9530-4099-99D4-5FD7962D2088}", 30),
+    ("IHdfsClient", "{0A21C224-5BA3-4FA0-B699-42A0CABD6FFA}", 34),
     ("IConnectionError", "{18A8FF43-EA0F-4EDD-B760-9F1DD0C54BF1}", 9),
 )
 LIBRARY_ID = "{6EF447E8-DEC4-47C3-B65D-7B776C644F1D}"
@@ -45,6 +48,8 @@ try {
   WScript.Echo("answer " + check.Check("a name without a scheme"));
   var client = new ActiveXObject("Velandoc.Client");
   WScript.Echo("status " + client.GetCheckOutStatus());
+  var hdfs = new ActiveXObject("Velantrica.HdfsClient");
+  WScript.Echo("port " + hdfs.Port);
 } catch (e) {
   WScript.Echo("error " + (e.number >>> 0).toString(16) + " " + e.message);
 }
@@ -121,9 +126,9 @@ def script_keys(root: str, path: str) -> dict[str, dict[str, str]]:
         rf"{root}\appid\{APP_ID}": {"@": "Velandoc"},
         rf"{root}\appid\Velandoc.DLL": {"appid": APP_ID},
     }
-    for name, identifier in CLASSES:
+    for name, identifier, prefix in CLASSES:
         clsid = rf"{root}\clsid\{identifier}"
-        prog_id = f"Velandoc.{name}"
+        prog_id = f"{prefix}.{name}"
         keys |= {
             clsid: {"@": f"{name} Class"},
             rf"{clsid}\ProgID": {"@": f"{prog_id}.1"},
@@ -220,7 +225,7 @@ def run(prefix: Prefix, dll: pathlib.Path, checks: Checks) -> None:
 
     said = prefix.run(*cscript)[1]
     checks.equal("a script makes the objects by their ProgIDs",
-                 said.split("\n")[:4], ["made", "answer false", "status -1", "end"])
+                 said.split("\n")[:5], ["made", "answer false", "status -1", "port 50070", "end"])
 
     checks.equal("regsvr32 /u succeeds", prefix.run("regsvr32", "/s", "/u", path)[0], 0)
     checks.equal("regsvr32 /u leaves the registry as it was",

@@ -29,6 +29,7 @@ enum VARENUM : VARTYPE {
   VT_INT = 22,
   VT_UINT = 23,
   VT_HRESULT = 25,
+  VT_STREAM = 66,
   VT_BYREF = 0x4000,
   VT_TYPEMASK = 0xFFF,
 };

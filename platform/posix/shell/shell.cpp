@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "platform/code_page.h"
+#include "platform/posix/path_text.h"
 #include "platform/posix/shell/dos_devices.h"
 #include "platform/posix/shell/local_path.h"
 #include "platform/posix/shell/split_path.h"
@@ -16,26 +16,6 @@ namespace {
 
 constexpr DWORD kErrorBadDevice = 1200;
 constexpr DWORD kErrorNotConnected = 2250;
-
-std::string ToUtf8(WideView text) {
-  CodePage& codePage = SystemPort<CodePage>();
-  const int size = static_cast<int>(text.size());
-  const int count =
-      codePage.WideCharToMultiByte(CP_UTF8, 0, text.data(), size, nullptr, 0, nullptr, nullptr);
-  std::string bytes(static_cast<std::size_t>(count), '\0');
-  codePage.WideCharToMultiByte(CP_UTF8, 0, text.data(), size, bytes.data(), count, nullptr,
-                               nullptr);
-  return bytes;
-}
-
-WideString FromUtf8(const std::string& bytes) {
-  CodePage& codePage = SystemPort<CodePage>();
-  const int size = static_cast<int>(bytes.size());
-  const int count = codePage.MultiByteToWideChar(CP_UTF8, 0, bytes.data(), size, nullptr, 0);
-  WideString text(static_cast<std::size_t>(count), u'\0');
-  codePage.MultiByteToWideChar(CP_UTF8, 0, bytes.data(), size, text.data(), count);
-  return text;
-}
 
 /// `*size` is the buffer's, then the text's with its terminator.
 DWORD Store(const WideString& text, LPWSTR buffer, DWORD* size, DWORD noRoom) {
@@ -55,7 +35,7 @@ bool StorePart(WideView part, LPWSTR buffer, std::size_t size) {
 
 std::optional<WebDavPlace> PlaceOf(WideView path) {
   if (path.empty()) return std::nullopt;
-  const std::string name = ToUtf8(path);
+  const std::string name = PathToUtf8(path);
   // A backslash is a letter of file names here; a path that begins with one is no local one, but
   // what is left of a path on a drive that has none.
   return name.front() == '\\' ? PlaceOfUncName(name) : PlaceOfLocalPath(name);
@@ -86,13 +66,13 @@ class PosixShell final : public Shell {
     if (!folder) return kErrorNotConnected;
     const auto place = PlaceOfLocalPath(*folder);
     if (!place) return kErrorNotConnected;
-    return Store(FromUtf8(place->UncName()), remoteName, size, ERROR_MORE_DATA);
+    return Store(PathFromUtf8(place->UncName()), remoteName, size, ERROR_MORE_DATA);
   }
 
   DWORD DavGetHTTPFromUNCPath(LPCWSTR uncPath, LPWSTR url, DWORD* size) override {
     const auto place = PlaceOf(uncPath);
     if (!place) return ERROR_INVALID_PARAMETER;
-    return Store(FromUtf8(place->Url()), url, size, ERROR_INSUFFICIENT_BUFFER);
+    return Store(PathFromUtf8(place->Url()), url, size, ERROR_INSUFFICIENT_BUFFER);
   }
 };
 

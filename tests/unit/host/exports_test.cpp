@@ -35,8 +35,10 @@ Lines Registered(const std::string& root) {
   struct {
     std::string name;
     std::string clsid;
-  } const classes[] = {{"ServerCheck", "{1D477FCE-048A-4657-BFDF-6DD165043E36}"},
-                       {"Client", "{6884BC45-2A7D-4747-AF48-A5EECC5BF9A9}"}};
+    std::string prefix;
+  } const classes[] = {{"ServerCheck", "{1D477FCE-048A-4657-BFDF-6DD165043E36}", "Velandoc."},
+                       {"HdfsClient", "{5EBD1685-DEAC-437B-A090-846F578C2F99}", "Velantrica."},
+                       {"Client", "{6884BC45-2A7D-4747-AF48-A5EECC5BF9A9}", "Velandoc."}};
   const std::string appId = "{91509BD2-09D1-4F79-B147-D5EF6C90DB1C}";
   Lines lines = {root + "\\AppID",
                  root + "\\AppID\\Velandoc.DLL",
@@ -48,19 +50,20 @@ Lines Registered(const std::string& root) {
     lines.push_back(key);
     for (const std::string& line : below) lines.push_back(key + "\\" + line);
   };
-  for (const auto& [name, clsid] : classes) {
+  for (const auto& [name, clsid, prefix] : classes) {
     add(root + "\\CLSID\\" + clsid,
         {"[]=" + name + " Class", "InprocServer32", "InprocServer32\\[]=" + ModulePath(),
          "InprocServer32\\[ThreadingModel]=Apartment", "ProgID",
-         "ProgID\\[]=Velandoc." + name + ".1", "Programmable", "TypeLib",
+         "ProgID\\[]=" + prefix + name + ".1", "Programmable", "TypeLib",
          "TypeLib\\[]={6EF447E8-DEC4-47C3-B65D-7B776C644F1D}", "VersionIndependentProgID",
-         "VersionIndependentProgID\\[]=Velandoc." + name});
+         "VersionIndependentProgID\\[]=" + prefix + name});
   }
-  // "Client" is before "ServerCheck", whose class id is before the other's.
-  for (const auto* entry : {&classes[1], &classes[0]}) {
-    const std::string name = root + "\\Velandoc." + entry->name;
+  // By name "Client" is before "ServerCheck", whose class id is before the other's.
+  for (const auto* entry : {&classes[2], &classes[0], &classes[1]}) {
+    const std::string progId = entry->prefix + entry->name;
+    const std::string name = root + "\\" + progId;
     add(name, {"[]=" + entry->name + " Class", "CLSID", "CLSID\\[]=" + entry->clsid, "CurVer",
-               "CurVer\\[]=Velandoc." + entry->name + ".1"});
+               "CurVer\\[]=" + progId + ".1"});
     add(name + ".1", {"[]=" + entry->name + " Class", "CLSID", "CLSID\\[]=" + entry->clsid});
   }
   return lines;
@@ -99,9 +102,12 @@ TEST_F(ExportsTest, TheAppIdIsRegisteredBeforeTheClassesInTheirOrder) {
   EXPECT_EQ(registry.changes[5], "create HKCR\\Velandoc.Client.1");
   const auto client =
       std::find(registry.changes.begin(), registry.changes.end(), "create HKCR\\Velandoc.Client");
+  const auto hdfs = std::find(registry.changes.begin(), registry.changes.end(),
+                              "create HKCR\\Velantrica.HdfsClient.1");
   const auto check = std::find(registry.changes.begin(), registry.changes.end(),
                                "create HKCR\\Velandoc.ServerCheck.1");
-  EXPECT_LT(client, check);
+  EXPECT_LT(client, hdfs);
+  EXPECT_LT(hdfs, check);
   EXPECT_NE(check, registry.changes.end());
 }
 
@@ -253,6 +259,11 @@ TEST_F(ExportsTest, ClassesAreServedBehindTheProxies) {
   ComPtr<IClient> client;
   EXPECT_EQ(factory->CreateInstance(nullptr, IID_IClient, client.ReceiveVoid()), S_OK);
   EXPECT_EQ(client->QueryInterface(IID_IDispatch, dispatch.ReceiveVoid()), S_OK);
+  ASSERT_EQ(DllGetClassObject(CLSID_HdfsClient, IID_IClassFactory, factory.ReceiveVoid()), S_OK);
+  ComPtr<IHdfsClient> hdfs;
+  EXPECT_EQ(factory->CreateInstance(nullptr, IID_IHdfsClient, hdfs.ReceiveVoid()), S_OK);
+  ComPtr<IRawRequest> raw;
+  EXPECT_EQ(hdfs->QueryInterface(IID_IRawRequest, raw.ReceiveVoid()), S_OK);
 }
 
 TEST_F(ExportsTest, UnknownClassesAreNotServed) {

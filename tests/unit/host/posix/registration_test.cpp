@@ -90,6 +90,24 @@ std::string Expected(const std::string& root) {
 [ROOT\CLSID\{1D477FCE-048A-4657-BFDF-6DD165043E36}\VersionIndependentProgID]
 @="Velandoc.ServerCheck"
 
+[ROOT\CLSID\{5EBD1685-DEAC-437B-A090-846F578C2F99}]
+@="HdfsClient Class"
+
+[ROOT\CLSID\{5EBD1685-DEAC-437B-A090-846F578C2F99}\InprocServer32]
+@="MODULE"
+"ThreadingModel"="Apartment"
+
+[ROOT\CLSID\{5EBD1685-DEAC-437B-A090-846F578C2F99}\ProgID]
+@="Velantrica.HdfsClient.1"
+
+[ROOT\CLSID\{5EBD1685-DEAC-437B-A090-846F578C2F99}\Programmable]
+
+[ROOT\CLSID\{5EBD1685-DEAC-437B-A090-846F578C2F99}\TypeLib]
+@="{6EF447E8-DEC4-47C3-B65D-7B776C644F1D}"
+
+[ROOT\CLSID\{5EBD1685-DEAC-437B-A090-846F578C2F99}\VersionIndependentProgID]
+@="Velantrica.HdfsClient"
+
 [ROOT\CLSID\{6884BC45-2A7D-4747-AF48-A5EECC5BF9A9}]
 @="Client Class"
 
@@ -109,6 +127,19 @@ std::string Expected(const std::string& root) {
 @="Velandoc.Client"
 
 [ROOT\Interface]
+
+[ROOT\Interface\{0A21C224-5BA3-4FA0-B699-42A0CABD6FFA}]
+@="IHdfsClient"
+
+[ROOT\Interface\{0A21C224-5BA3-4FA0-B699-42A0CABD6FFA}\ProxyStubClsid]
+@="{00020424-0000-0000-C000-000000000046}"
+
+[ROOT\Interface\{0A21C224-5BA3-4FA0-B699-42A0CABD6FFA}\ProxyStubClsid32]
+@="{00020424-0000-0000-C000-000000000046}"
+
+[ROOT\Interface\{0A21C224-5BA3-4FA0-B699-42A0CABD6FFA}\TypeLib]
+@="{6EF447E8-DEC4-47C3-B65D-7B776C644F1D}"
+"Version"="1.0"
 
 [ROOT\Interface\{18A8FF43-EA0F-4EDD-B760-9F1DD0C54BF1}]
 @="IConnectionError"
@@ -196,6 +227,21 @@ std::string Expected(const std::string& root) {
 
 [ROOT\Velandoc.ServerCheck.1\CLSID]
 @="{1D477FCE-048A-4657-BFDF-6DD165043E36}"
+
+[ROOT\Velantrica.HdfsClient]
+@="HdfsClient Class"
+
+[ROOT\Velantrica.HdfsClient\CLSID]
+@="{5EBD1685-DEAC-437B-A090-846F578C2F99}"
+
+[ROOT\Velantrica.HdfsClient\CurVer]
+@="Velantrica.HdfsClient.1"
+
+[ROOT\Velantrica.HdfsClient.1]
+@="HdfsClient Class"
+
+[ROOT\Velantrica.HdfsClient.1\CLSID]
+@="{5EBD1685-DEAC-437B-A090-846F578C2F99}"
 )";
   return Head(root) + ReplaceAll(text, "ROOT", root + "\\Software\\Classes");
 }
@@ -252,10 +298,12 @@ TEST_F(PosixRegistrationTest, ABrokenFileIsReportedAndKept) {
 
 TEST_F(PosixRegistrationTest, ProgIdsWorkFromTheFiles) {
   ASSERT_EQ(DllRegisterServer(), S_OK);
-  for (const auto& [progId, expected] : {std::pair(u"Velandoc.ServerCheck", CLSID_ServerCheck),
-                                         std::pair(u"Velandoc.ServerCheck.1", CLSID_ServerCheck),
-                                         std::pair(u"Velandoc.Client", CLSID_Client),
-                                         std::pair(u"Velandoc.Client.1", CLSID_Client)}) {
+  for (const auto& [progId, expected] :
+       {std::pair(u"Velandoc.ServerCheck", CLSID_ServerCheck),
+        std::pair(u"Velandoc.ServerCheck.1", CLSID_ServerCheck),
+        std::pair(u"Velandoc.Client", CLSID_Client), std::pair(u"Velandoc.Client.1", CLSID_Client),
+        std::pair(u"Velantrica.HdfsClient", CLSID_HdfsClient),
+        std::pair(u"Velantrica.HdfsClient.1", CLSID_HdfsClient)}) {
     CLSID clsid{};
     EXPECT_EQ(CLSIDFromProgID(progId, &clsid), S_OK);
     EXPECT_EQ(clsid, expected);

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <list>
+#include <nlohmann/json.hpp>
 
 #include "hosts/command/doc_actions.h"
 #include "hosts/command/exit_codes.h"
@@ -9,7 +10,6 @@
 #include "hosts/command/talk.h"
 #include "hosts/command/visible_text.h"
 #include "hosts/text_encoding.h"
-#include "nlohmann/json.hpp"
 #include "platform/dom.h"
 #include "platform/standard_streams.h"
 #include "soap/list_items.h"
@@ -70,15 +70,10 @@ bool CheckNames(const DocumentSession& session, const std::vector<Assignment>& a
 /// Reads the update as the request will: true if each value comes out as `wanted` says and the
 /// document's address as it went in.
 bool SurvivesXml(const Update& update, const std::list<WideString>& wanted) try {
-  ComPtr<IXMLDOMDocument2> document;
-  CheckResult(CreateDomDocument(document));
-  CheckResult(document->put_async(VARIANT_FALSE));
   const WideString batch =
       BuildUpdateBatch(update.itemId.c_str(), update.fileRef.c_str(), update.names, update.values);
-  VARIANT_BOOL parsed = VARIANT_FALSE;
-  if (FAILED(document->loadXML(Bstr(batch).Get(), &parsed)) || parsed == VARIANT_FALSE) {
-    return false;
-  }
+  ComPtr<IXMLDOMDocument2> document;
+  if (FAILED(LoadDomDocument(Bstr(batch), document))) return false;
   const auto text = [&](const WideString& xpath) {
     return GetNodeText(SelectSingleNode(document.Get(), xpath).Get());
   };

@@ -1,17 +1,8 @@
-// CWinApp, the application object of the library, and the message map that it has to have.
+// CWinApp, the application object of the library.
 #pragma once
 
-#include <span>
-
+#include "platform/mfc/message_map.h"
 #include "platform/mfc/module_state.h"
-
-/// A handler of a window message. The library's application object has none.
-struct AFX_MSGMAP_ENTRY {
-  UINT nMessage;
-};
-struct AFX_MSGMAP {
-  std::span<const AFX_MSGMAP_ENTRY> entries;
-};
 
 /// One exists in a library, as a global. Its construction makes it the application of the library's
 /// module state, its destruction ends that.
@@ -22,6 +13,7 @@ class CWinApp {
   CWinApp& operator=(const CWinApp&) = delete;
   virtual ~CWinApp();
 
+  /// The map that an application object has to have. The library's handles no message.
   virtual const AFX_MSGMAP* GetMessageMap() const;
   /// When the library has been loaded. Asks LoadAppLangResourceDLL for a satellite and, if there is
   /// one, makes it the module state's resource instance. FALSE keeps the library from being loaded.

@@ -326,6 +326,20 @@ def lane_fuzz(lane):
                           f"-artifact_prefix={work}/", work, TOP / "fuzz/corpus" / name], timeout=600)
 
 
+def lane_hadoop(lane):
+    """The HDFS client, in both homes, against Hadoop's own name node and data nodes."""
+    # Fetches Hadoop on the first run. Exit code 3 tells that this machine cannot have it, and why.
+    code, output = lane.run([PYTHON, "-B", TOP / "tests/hadoop/cluster.py", "--prepare"], timeout=1200)
+    if code == 3:
+        lane.add("hadoop", "skipped", output.strip().splitlines()[-1])
+        return
+    if code:
+        raise LaneFailure(f"the cluster cannot be prepared\n{tail(output, 30)}")
+    lane.build("native")
+    wine_prefix(lane)
+    lane.unittest("hadoop", [PYTHON, "-B", TOP / "tests/hadoop/hadoop_test.py"], timeout=480)
+
+
 def lane_demo(lane):
     """./run, the README's first command, and what it must print."""
     code, output = lane.run([TOP / "run"], timeout=2400)
@@ -349,6 +363,7 @@ LANES = {
     "registration": lane_registration,
     "scripts": lane_scripts,
     "fuzz": lane_fuzz,
+    "hadoop": lane_hadoop,
     "demo": lane_demo,
 }
 

@@ -1,0 +1,39 @@
+#!/usr/bin/python3
+"""The HDFS client against Hadoop's own name node and data nodes: every case natively and by cscript with the DLL under Wine.
+
+hadoop_test.py [unittest's own arguments]
+
+Needs build/native, build/windows and a Wine prefix that trusts the test authority; the lane `hadoop` of ./test sees to
+them, and skips where there is no cluster to be had (cluster.py).
+"""
+
+import sys
+import unittest
+
+import cluster
+import operation_cases
+import run_case
+import support
+
+MODULES = (operation_cases,)
+
+
+def load_tests(_loader, _tests, _pattern):
+    cases = [value for module in MODULES for value in vars(module).values()
+             if isinstance(value, type) and issubclass(value, support.Case) and value.__module__ == module.__name__]
+    return support.in_all_homes(*cases)
+
+
+def main():
+    wine = support.Wine()
+    dll = run_case.windows_path(cluster.TOP / "build/windows/bin/velandoc.dll")
+    if wine.program("regsvr32", "/s", dll).wait(timeout=support.TIMEOUT) != 0:
+        raise RuntimeError("the DLL cannot be registered under Wine")
+    with cluster.Cluster(cluster.TOP / "build/hadoop/cluster.log") as support.running:
+        told = support.running.told
+        print(f"Hadoop {told['version']} on Java {told['java']}", flush=True)
+        return not unittest.main(verbosity=2, exit=False).result.wasSuccessful()
+
+
+if __name__ == "__main__":
+    sys.exit(main())

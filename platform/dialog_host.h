@@ -76,7 +76,8 @@ class DialogHost {
   /// Shows the dialog of the template `id` and runs it until EndDialog. Modal over `owner`; null
   /// stands for the thread's active window, or none. -1 if there can be no window (no display, no
   /// such template, no part of the system that shows it): then no event has come, and `*reason`
-  /// says why in words, without a line end; it is left alone otherwise. Else what EndDialog gave.
+  /// says why in words, without a line end; it is left alone otherwise. Else what EndDialog gave,
+  /// or IDCANCEL if the program was told to quit or the owner took the dialog with it.
   ///
   /// Windows takes the template from the resources that are current for the thread
   /// (AfxGetResourceHandle) or, where those lack it, from the library's own.

@@ -30,6 +30,11 @@ struct _ATL_INTMAP_ENTRY {
   {&IID_##Interface, [](void* object) -> IUnknown* {                     \
      return static_cast<Interface*>(static_cast<_ComMapClass*>(object)); \
    }},
+// For an id that does not name the interface behind it, such as that of an event set.
+#define COM_INTERFACE_ENTRY_IID(Id, Interface)                           \
+  {&Id, [](void* object) -> IUnknown* {                                  \
+     return static_cast<Interface*>(static_cast<_ComMapClass*>(object)); \
+   }},
 #define END_COM_MAP() \
   }                   \
   ;                   \

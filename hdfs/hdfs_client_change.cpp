@@ -3,6 +3,7 @@
 #include "hdfs/encode_url_part.h"
 #include "hdfs/hdfs_client.h"
 #include "hdfs/octal_permissions.h"
+#include "hdfs/server_answers.h"
 
 namespace velandoc {
 
@@ -53,8 +54,7 @@ HRESULT CHdfsClient::RunChange(LPCWSTR verb, const WideString& url, VARIANT_BOOL
   if (FAILED(result)) return result;
   // Finds the end of the body at once: servers have always seen it read to there.
   connection.ReadResponse();
-  const bool isDone = answer.GetContent().find("true") != NarrowString::npos;
-  if (isDone && success != nullptr) *success = VARIANT_TRUE;
+  if (success != nullptr && SaysTrue(answer.GetContent())) *success = VARIANT_TRUE;
   return result;
 }
 

@@ -5,7 +5,6 @@
 #include "hdfs/ansi_text.h"
 #include "hdfs/automation_funnel.h"
 #include "hdfs/hdfs_client.h"
-#include "hdfs/octal_permissions.h"
 #include "hdfs/upload_source.h"
 
 namespace velandoc {
@@ -43,12 +42,8 @@ STDMETHODIMP CHdfsClient::Upload(VARIANT FileNameOrStream, VARIANT_BOOL Overwrit
                                  BSTR OctalPermissions) {
   return AutomationFunnel("CHdfsClient::Upload", [&]() -> FunnelResult {
     const WideView permissions = ViewOf(OctalPermissions);
-    if (!permissions.empty() && !IsValidOctalPermissions(permissions)) {
-      ReportHresultError(E_INVALIDARG, kUploadSource);
-      return E_INVALIDARG;
-    }
     ComPtr<IStream> source;
-    const HRESULT opened = OpenUploadSource(FileNameOrStream, source);
+    const HRESULT opened = OpenUploadSource(FileNameOrStream, permissions, source);
     if (FAILED(opened)) {
       ReportHresultError(opened, kUploadSource);
       return opened;
@@ -98,7 +93,7 @@ bool CHdfsClient::SendUpload(const WideString& location, IStream& source) {
   CMemFile answer;
   connection.m_sink = &answer;
   connection.ReadResponse();
-  ReportTextError(FromAnsi(answer.GetContent()), kUploadSource);
+  ReportTextError(FromThreadAnsi(answer.GetContent()), kUploadSource);
   return false;
 }
 

@@ -1,22 +1,20 @@
 // CHdfsClient: is there a WebHDFS server?
 #include <array>
-#include <string_view>
 
 #include "hdfs/automation_funnel.h"
 #include "hdfs/hdfs_client.h"
+#include "hdfs/server_answers.h"
 
 namespace velandoc {
 namespace {
 
 constexpr DWORD kTestedSize = 1024;
-constexpr std::string_view kExpectedStart = "{\"Path\"";
 
-/// At the very start: an answer that begins with a blank is none of a name node's.
 bool BeginsAsExpected(const CHdfsConnection& connection) {
   std::array<char, kTestedSize> body{};
   DWORD count = 0;
   CurrentPort<WinInet>().InternetReadFile(connection.m_hRequest, body.data(), kTestedSize, &count);
-  return std::string_view(body.data(), count).starts_with(kExpectedStart);
+  return IsHomeDirectory({body.data(), count});
 }
 
 }  // namespace

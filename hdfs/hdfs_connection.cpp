@@ -1,5 +1,7 @@
 #include "hdfs/hdfs_connection.h"
 
+#include "hdfs/accept_types.h"
+
 namespace velandoc {
 namespace {
 
@@ -86,9 +88,6 @@ bool CHdfsConnection::ReadResponse() {
   return true;
 }
 
-const LPCWSTR* CHdfsConnection::GetAcceptTypes() {
-  static const LPCWSTR types[] = {OLESTR("text/*"), OLESTR("application/json"), nullptr};
-  return types;
-}
+const LPCWSTR* CHdfsConnection::GetAcceptTypes() { return kHdfsAcceptTypes; }
 
 }  // namespace velandoc

@@ -1,5 +1,6 @@
 #include "hdfs/upload_source.h"
 
+#include "hdfs/octal_permissions.h"
 #include "platform/file_system.h"
 
 namespace velandoc {
@@ -10,7 +11,8 @@ static_assert(kReadMode == 0x20);
 
 }  // namespace
 
-HRESULT OpenUploadSource(const VARIANT& source, ComPtr<IStream>& stream) {
+HRESULT OpenUploadSource(const VARIANT& source, WideView permissions, ComPtr<IStream>& stream) {
+  if (!permissions.empty() && !IsValidOctalPermissions(permissions)) return E_INVALIDARG;
   switch (source.vt) {
     case VT_BSTR: {
       const WideString path(ViewOf(source.bstrVal));

@@ -5,6 +5,7 @@
 #include "document/client.h"
 #include "document/server_check.h"
 #include "hdfs/hdfs_client.h"
+#include "hdfs/hdfs_client_winhttp.h"
 #include "velandoc_idl.h"
 
 namespace velandoc {
@@ -20,11 +21,11 @@ HRESULT CVelandocModule::AddCommonRGSReplacements(IRegistrarBase* registrar) {
 }
 
 std::span<_ATL_OBJMAP_ENTRY> CVelandocModule::GetObjectMap() {
-  // Registration walks the classes in this order, which is fixed: Client (103), HdfsClient (109),
-  // HdfsClientWinHttp (110), ServerCheck (108), each from the day it exists.
+  // Registration walks the classes in this order, which is fixed.
   static std::array map = {
       AtlObjectEntry<CClient>(103),
       AtlObjectEntry<CHdfsClient>(109),
+      AtlObjectEntry<CHdfsClientWinHttp>(110),
       AtlObjectEntry<CServerCheck>(108),
   };
   return map;

@@ -2,7 +2,8 @@
 //
 // UTF-8 is strict both ways: what is ill-formed becomes U+FFFD, one for each maximal subpart, so a
 // cut sequence and a stray byte count once and an overlong form or an encoded surrogate counts once
-// a byte. The system's ANSI code page (CP_ACP) is 1252 here. Its five undefined bytes keep their
+// a byte. The system's ANSI code page (CP_ACP) is 1252 here, and so is every thread's
+// (CP_THREAD_ACP): a thread has no locale of its own. The page's five undefined bytes keep their
 // value, and no best-fit letters are looked for: a character that the page lacks goes out as the
 // default character.
 #include "platform/code_page.h"
@@ -251,7 +252,9 @@ std::size_t Length(const Unit* text, int size) {
   return size < 0 ? std::char_traits<Unit>::length(text) + 1 : static_cast<std::size_t>(size);
 }
 
-bool IsAnsi(UINT codePage) { return codePage == CP_ACP || codePage == kWindows1252; }
+bool IsAnsi(UINT codePage) {
+  return codePage == CP_ACP || codePage == CP_THREAD_ACP || codePage == kWindows1252;
+}
 
 class PosixCodePage final : public CodePage {
  public:

@@ -21,6 +21,7 @@ CLASSES = (
     ("HdfsClient", "{5EBD1685-DEAC-437B-A090-846F578C2F99}", "Velantrica"),
     ("ServerCheck", "{1D477FCE-048A-4657-BFDF-6DD165043E36}", "Velandoc"),
 )
+WINHTTP_ID = "{4A45908C-EF4C-4D12-951B-9595D9CC208B}"
 # The interfaces by name, with their methods counted from IUnknown's on. The first one's id is the proxies' class id.
 PROXY_ID = "{9989FD0D-43C5-4FA7-B6D7-020A323FEF2D}"
 INTERFACES = (
@@ -50,6 +51,8 @@ try {
   WScript.Echo("status " + client.GetCheckOutStatus());
   var hdfs = new ActiveXObject("Velantrica.HdfsClient");
   WScript.Echo("port " + hdfs.Port);
+  var winHttp = new ActiveXObject("Velantrica.HdfsWinHttpClient.1");
+  WScript.Echo("options " + winHttp.Options);
 } catch (e) {
   WScript.Echo("error " + (e.number >>> 0).toString(16) + " " + e.message);
 }
@@ -142,6 +145,22 @@ def script_keys(root: str, path: str) -> dict[str, dict[str, str]]:
             rf"{root}\{prog_id}.1": {"@": f"{name} Class"},
             rf"{root}\{prog_id}.1\CLSID": {"@": identifier},
         }
+    # The class whose script differs.
+    clsid = rf"{root}\clsid\{WINHTTP_ID}"
+    prog_id = "Velantrica.HdfsWinHttpClient"
+    keys |= {
+        clsid: {"@": "HdfsWinHttpClient class"},
+        rf"{clsid}\ProgID": {"@": f"{prog_id}.1"},
+        rf"{clsid}\VersionIndependentProgID": {"@": prog_id},
+        rf"{clsid}\Programmable": {},
+        rf"{clsid}\InprocServer32": {"@": path, "threadingmodel": "Apartment"},
+        rf"{clsid}\TypeLib": {"@": "{779c54aa-fcc0-42ad-84d1-708bb472ea26}"},
+        rf"{clsid}\Version": {"@": "1.0"},
+        rf"{root}\{prog_id}": {"@": "HdfsWinHttpClient class"},
+        rf"{root}\{prog_id}\CurVer": {"@": f"{prog_id}.1"},
+        rf"{root}\{prog_id}.1": {"@": "HdfsWinHttpClient class"},
+        rf"{root}\{prog_id}.1\CLSID": {"@": WINHTTP_ID.lower()},
+    }
     return {key.lower(): {name: quoted(data) for name, data in values.items()}
             for key, values in keys.items()}
 
@@ -225,7 +244,7 @@ def run(prefix: Prefix, dll: pathlib.Path, checks: Checks) -> None:
 
     said = prefix.run(*cscript)[1]
     checks.equal("a script makes the objects by their ProgIDs",
-                 said.split("\n")[:5], ["made", "answer false", "status -1", "port 50070", "end"])
+                 said.split("\n")[:6], ["made", "answer false", "status -1", "port 50070", "options 0", "end"])
 
     checks.equal("regsvr32 /u succeeds", prefix.run("regsvr32", "/s", "/u", path)[0], 0)
     checks.equal("regsvr32 /u leaves the registry as it was",

@@ -234,4 +234,5 @@ constexpr HRESULT HRESULT_FROM_WIN32(DWORD error) {
 }
 
 inline constexpr UINT CP_ACP = 0;
+inline constexpr UINT CP_THREAD_ACP = 3;
 inline constexpr UINT CP_UTF8 = 65001;

@@ -51,6 +51,16 @@ Lines Registered(const std::string& root) {
     for (const std::string& line : below) lines.push_back(key + "\\" + line);
   };
   for (const auto& [name, clsid, prefix] : classes) {
+    if (name == "HdfsClient") {
+      // The class between these two, with its script's differences.
+      add(root + "\\CLSID\\{4A45908C-EF4C-4D12-951B-9595D9CC208B}",
+          {"[]=HdfsWinHttpClient class", "InprocServer32", "InprocServer32\\[]=" + ModulePath(),
+           "InprocServer32\\[ThreadingModel]=Apartment", "ProgID",
+           "ProgID\\[]=Velantrica.HdfsWinHttpClient.1", "Programmable", "TypeLib",
+           "TypeLib\\[]={779c54aa-fcc0-42ad-84d1-708bb472ea26}", "Version", "Version\\[]=1.0",
+           "VersionIndependentProgID",
+           "VersionIndependentProgID\\[]=Velantrica.HdfsWinHttpClient"});
+    }
     add(root + "\\CLSID\\" + clsid,
         {"[]=" + name + " Class", "InprocServer32", "InprocServer32\\[]=" + ModulePath(),
          "InprocServer32\\[ThreadingModel]=Apartment", "ProgID",
@@ -66,6 +76,11 @@ Lines Registered(const std::string& root) {
                "CurVer\\[]=" + progId + ".1"});
     add(name + ".1", {"[]=" + entry->name + " Class", "CLSID", "CLSID\\[]=" + entry->clsid});
   }
+  const std::string winHttp = root + "\\Velantrica.HdfsWinHttpClient";
+  add(winHttp,
+      {"[]=HdfsWinHttpClient class", "CurVer", "CurVer\\[]=Velantrica.HdfsWinHttpClient.1"});
+  add(winHttp + ".1",
+      {"[]=HdfsWinHttpClient class", "CLSID", "CLSID\\[]={4a45908c-ef4c-4d12-951b-9595d9cc208b}"});
   return lines;
 }
 
@@ -100,15 +115,13 @@ TEST_F(ExportsTest, TheAppIdIsRegisteredBeforeTheClassesInTheirOrder) {
   ASSERT_GT(registry.changes.size(), 6U);
   EXPECT_EQ(registry.changes[0], "create HKCR\\AppID");
   EXPECT_EQ(registry.changes[5], "create HKCR\\Velandoc.Client.1");
-  const auto client =
-      std::find(registry.changes.begin(), registry.changes.end(), "create HKCR\\Velandoc.Client");
-  const auto hdfs = std::find(registry.changes.begin(), registry.changes.end(),
-                              "create HKCR\\Velantrica.HdfsClient.1");
-  const auto check = std::find(registry.changes.begin(), registry.changes.end(),
-                               "create HKCR\\Velandoc.ServerCheck.1");
-  EXPECT_LT(client, hdfs);
-  EXPECT_LT(hdfs, check);
-  EXPECT_NE(check, registry.changes.end());
+  const auto made = [&](const std::string& key) {
+    return std::find(registry.changes.begin(), registry.changes.end(), "create HKCR\\" + key);
+  };
+  EXPECT_LT(made("Velandoc.Client"), made("Velantrica.HdfsClient.1"));
+  EXPECT_LT(made("Velantrica.HdfsClient"), made("Velantrica.HdfsWinHttpClient.1"));
+  EXPECT_LT(made("Velantrica.HdfsWinHttpClient"), made("Velandoc.ServerCheck.1"));
+  EXPECT_NE(made("Velandoc.ServerCheck.1"), registry.changes.end());
 }
 
 TEST_F(ExportsTest, UnregisteringTakesTheKeysOut) {
@@ -264,6 +277,10 @@ TEST_F(ExportsTest, ClassesAreServedBehindTheProxies) {
   EXPECT_EQ(factory->CreateInstance(nullptr, IID_IHdfsClient, hdfs.ReceiveVoid()), S_OK);
   ComPtr<IRawRequest> raw;
   EXPECT_EQ(hdfs->QueryInterface(IID_IRawRequest, raw.ReceiveVoid()), S_OK);
+  ASSERT_EQ(DllGetClassObject(CLSID_HdfsClientWinHttp, IID_IClassFactory, factory.ReceiveVoid()),
+            S_OK);
+  EXPECT_EQ(factory->CreateInstance(nullptr, IID_IHdfsClient, hdfs.ReceiveVoid()), S_OK);
+  EXPECT_EQ(hdfs->QueryInterface(IID_IRawRequest, raw.ReceiveVoid()), E_NOINTERFACE);
 }
 
 TEST_F(ExportsTest, UnknownClassesAreNotServed) {

@@ -90,6 +90,27 @@ std::string Expected(const std::string& root) {
 [ROOT\CLSID\{1D477FCE-048A-4657-BFDF-6DD165043E36}\VersionIndependentProgID]
 @="Velandoc.ServerCheck"
 
+[ROOT\CLSID\{4A45908C-EF4C-4D12-951B-9595D9CC208B}]
+@="HdfsWinHttpClient class"
+
+[ROOT\CLSID\{4A45908C-EF4C-4D12-951B-9595D9CC208B}\InprocServer32]
+@="MODULE"
+"ThreadingModel"="Apartment"
+
+[ROOT\CLSID\{4A45908C-EF4C-4D12-951B-9595D9CC208B}\ProgID]
+@="Velantrica.HdfsWinHttpClient.1"
+
+[ROOT\CLSID\{4A45908C-EF4C-4D12-951B-9595D9CC208B}\Programmable]
+
+[ROOT\CLSID\{4A45908C-EF4C-4D12-951B-9595D9CC208B}\TypeLib]
+@="{779c54aa-fcc0-42ad-84d1-708bb472ea26}"
+
+[ROOT\CLSID\{4A45908C-EF4C-4D12-951B-9595D9CC208B}\Version]
+@="1.0"
+
+[ROOT\CLSID\{4A45908C-EF4C-4D12-951B-9595D9CC208B}\VersionIndependentProgID]
+@="Velantrica.HdfsWinHttpClient"
+
 [ROOT\CLSID\{5EBD1685-DEAC-437B-A090-846F578C2F99}]
 @="HdfsClient Class"
 
@@ -242,6 +263,18 @@ std::string Expected(const std::string& root) {
 
 [ROOT\Velantrica.HdfsClient.1\CLSID]
 @="{5EBD1685-DEAC-437B-A090-846F578C2F99}"
+
+[ROOT\Velantrica.HdfsWinHttpClient]
+@="HdfsWinHttpClient class"
+
+[ROOT\Velantrica.HdfsWinHttpClient\CurVer]
+@="Velantrica.HdfsWinHttpClient.1"
+
+[ROOT\Velantrica.HdfsWinHttpClient.1]
+@="HdfsWinHttpClient class"
+
+[ROOT\Velantrica.HdfsWinHttpClient.1\CLSID]
+@="{4a45908c-ef4c-4d12-951b-9595d9cc208b}"
 )";
   return Head(root) + ReplaceAll(text, "ROOT", root + "\\Software\\Classes");
 }
@@ -303,7 +336,10 @@ TEST_F(PosixRegistrationTest, ProgIdsWorkFromTheFiles) {
         std::pair(u"Velandoc.ServerCheck.1", CLSID_ServerCheck),
         std::pair(u"Velandoc.Client", CLSID_Client), std::pair(u"Velandoc.Client.1", CLSID_Client),
         std::pair(u"Velantrica.HdfsClient", CLSID_HdfsClient),
-        std::pair(u"Velantrica.HdfsClient.1", CLSID_HdfsClient)}) {
+        std::pair(u"Velantrica.HdfsClient.1", CLSID_HdfsClient),
+        // Its other name has no class of its own, and says which version's it is.
+        std::pair(u"Velantrica.HdfsWinHttpClient", CLSID_HdfsClientWinHttp),
+        std::pair(u"Velantrica.HdfsWinHttpClient.1", CLSID_HdfsClientWinHttp)}) {
     CLSID clsid{};
     EXPECT_EQ(CLSIDFromProgID(progId, &clsid), S_OK);
     EXPECT_EQ(clsid, expected);

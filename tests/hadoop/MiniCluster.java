@@ -23,7 +23,6 @@ import java.nio.charset.StandardCharsets;
 import java.security.MessageDigest;
 import java.util.HexFormat;
 import org.apache.hadoop.conf.Configuration;
-import org.apache.hadoop.fs.BlockLocation;
 import org.apache.hadoop.fs.FileStatus;
 import org.apache.hadoop.fs.Path;
 import org.apache.hadoop.fs.SafeModeAction;
@@ -31,6 +30,7 @@ import org.apache.hadoop.fs.permission.FsPermission;
 import org.apache.hadoop.hdfs.DFSConfigKeys;
 import org.apache.hadoop.hdfs.DistributedFileSystem;
 import org.apache.hadoop.hdfs.MiniDFSCluster;
+import org.apache.hadoop.hdfs.MiniDFSCluster.DataNodeProperties;
 import org.apache.hadoop.hdfs.server.datanode.DataNode;
 import org.apache.hadoop.util.VersionInfo;
 
@@ -42,6 +42,7 @@ public final class MiniCluster {
   private final DistributedFileSystem files;
   // By number; a stopped one leaves its slot empty, so that the others keep theirs.
   private final DataNode[] dataNodes = new DataNode[DATA_NODES];
+  private final DataNodeProperties[] stopped = new DataNodeProperties[DATA_NODES];
 
   public static void main(String[] arguments) throws Exception {
     // What Hadoop prints must not come between the answers.
@@ -95,7 +96,6 @@ public final class MiniCluster {
     for (DataNode node : dataNodes) {
       ObjectNode one = nodes.addObject();
       one.put("host", node.getDatanodeHostname());
-      one.put("transfer", node.getXferAddress().getPort());
       one.put("http", node.getInfoPort());
       one.put("https", node.getInfoSecurePort());
     }
@@ -116,6 +116,7 @@ public final class MiniCluster {
   private void run(JsonNode command, ObjectNode told) throws Exception {
     switch (command.get("do").asText()) {
       case "status" -> tellStatus(path(command), told);
+      case "holders" -> tellHolders(path(command), told);
       case "list" -> {
         ArrayNode names = told.putArray("names");
         for (FileStatus entry : files.listStatus(path(command))) names.add(entry.getPath().getName());
@@ -143,6 +144,7 @@ public final class MiniCluster {
         }
       }
       case "kill" -> kill(command.get("node").asInt());
+      case "revive" -> revive(command.get("node").asInt());
       default -> throw new IllegalArgumentException("unknown command");
     }
   }
@@ -155,9 +157,15 @@ public final class MiniCluster {
     told.put("permission", String.format("%03o", status.getPermission().toShort()));
     if (status.isDirectory()) return;
     told.put("sha256", sha256(path));
-    ArrayNode nodes = told.putArray("nodes");
-    for (BlockLocation block : files.getFileBlockLocations(status, 0, Long.MAX_VALUE)) {
-      for (String name : block.getNames()) nodes.add(name);
+  }
+
+  /** The numbers of the data nodes that hold the file's first block. */
+  private void tellHolders(Path path, ObjectNode told) throws IOException {
+    ArrayNode numbers = told.putArray("nodes");
+    for (String name : files.getFileBlockLocations(path, 0, 1)[0].getNames()) {
+      for (int i = 0; i < DATA_NODES; i++) {
+        if (dataNodes[i] != null && dataNodes[i].getDatanodeId().getXferAddr().equals(name)) numbers.add(i);
+      }
     }
   }
 
@@ -181,14 +189,23 @@ public final class MiniCluster {
     files.setOwner(path, "bob", "users");
   }
 
-  /** Stops a data node for good and has the name node know it at once, not after its heartbeats are missed. */
+  /** Stops a data node and has the name node know it at once, not after its heartbeats are missed. */
   private void kill(int number) throws IOException {
     DataNode node = dataNodes[number];
     if (node == null) throw new IllegalArgumentException("that data node is stopped already");
     var id = node.getDatanodeId();
-    cluster.stopDataNode(id.getXferAddr());
+    stopped[number] = cluster.stopDataNode(id.getXferAddr());
     dataNodes[number] = null;
     cluster.setDataNodeDead(id);
+  }
+
+  /** Starts a stopped data node with the files that it had; its ports are others then. */
+  private void revive(int number) throws IOException {
+    if (dataNodes[number] != null) throw new IllegalArgumentException("that data node runs");
+    cluster.restartDataNode(stopped[number]);
+    cluster.waitActive();
+    // The cluster puts it behind the others.
+    dataNodes[number] = cluster.getDataNodes().get(DATA_NODES - 1);
   }
 
   private static Path path(JsonNode command) {

@@ -11,17 +11,27 @@ import sys
 import unittest
 
 import cluster
+import data_node_cases
+import fact_cases
+import failure_cases
 import operation_cases
 import run_case
 import support
 
-MODULES = (operation_cases,)
+MODULES = (operation_cases, failure_cases, fact_cases, data_node_cases)
 
 
-def load_tests(_loader, _tests, _pattern):
-    cases = [value for module in MODULES for value in vars(module).values()
-             if isinstance(value, type) and issubclass(value, support.Case) and value.__module__ == module.__name__]
-    return support.in_all_homes(*cases)
+def load_tests(loader, _tests, _pattern):
+    suite = unittest.TestSuite()
+    for module in MODULES:
+        for value in vars(module).values():
+            if not isinstance(value, type) or value.__module__ != module.__name__:
+                continue
+            if issubclass(value, support.Case):
+                suite.addTests(support.in_all_homes(value))
+            elif issubclass(value, unittest.TestCase):
+                suite.addTests(loader.loadTestsFromTestCase(value))
+    return suite
 
 
 def main():

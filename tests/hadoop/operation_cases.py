@@ -102,13 +102,6 @@ class Changes(Case):
         self.assertEqual(told[4].get("value"), True)
         self.assertEqual(self.names(), [])
 
-    def refused(self, step, status, exception):
-        """The server's refusal, which is a failure in one form and a value of false in the other."""
-        if self.form == "wininet":
-            self.failed(step, E_FAIL, status, exception)
-        else:
-            self.assertEqual((step.get("value"), step["http"]), (False, status))
-
 
 class Names(Case):
     """Names with characters that mean something in a URL, and such as the client escapes without need."""

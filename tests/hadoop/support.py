@@ -95,20 +95,21 @@ def pattern(size):
     return (block * (size // len(block) + 1))[:size]
 
 
-def raw(method, target, head="", port=None):
-    """One request byte for byte to the name node; (status, body)."""
-    with socket.create_connection(("127.0.0.1", port or running.told["http"]), timeout=60) as connection:
-        connection.sendall(f"{method} {target} HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n"
-                           f"Content-Length: 0\r\n{head}\r\n".encode())
+def raw(method, target):
+    """One request to the name node whose target is sent byte for byte (code points as bytes); (status, body)."""
+    with socket.create_connection(("127.0.0.1", running.told["http"]), timeout=60) as connection:
+        connection.sendall(f"{method} /webhdfs/v1{target} HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n"
+                           f"Content-Length: 0\r\n\r\n".encode("latin-1"))
         answer = b"".join(iter(lambda: connection.recv(65536), b""))
     head, _, body = answer.partition(b"\r\n\r\n")
     return int(head.split()[1]), body.decode("utf-8", "replace")
 
 
 class Case(unittest.TestCase):
-    """Runs in one home with one form; both are set by in_all_homes."""
+    """Runs in one home with one form; both are set by in_all_homes. A class about some of them names those."""
 
     maxDiff = None
+    homes, forms = tuple(HOMES), tuple(FORMS)
     home_class, form = None, None
     number = 0
 
@@ -161,18 +162,24 @@ class Case(unittest.TestCase):
         for step in told:
             self.assertNotIn("error", step)
 
+    def refused(self, step, status, exception):
+        """A refusal that ends an operation: a failure in one form, in the other a value of false."""
+        if self.form == "wininet":
+            self.failed(step, E_FAIL, status, exception)
+        else:
+            self.assertEqual((step.get("value"), step["http"]), (False, status), step)
+
     def failed(self, step, number, status, exception=""):
         self.assertEqual(step.get("error"), number, step)
         self.assertEqual(step.get("http"), status, step)
         self.assertIn(exception, step.get("message", ""))
 
 
-def in_all_homes(*cases):
-    """A loader's suite with each class of cases once for each home and form."""
+def in_all_homes(case):
+    """The class's tests once for each home and form that it is about."""
     suite = unittest.TestSuite()
-    for case in cases:
-        for home_name, home in HOMES.items():
-            for form in FORMS:
-                made = type(f"{case.__name__}_{home_name}_{form}", (case,), {"home_class": home, "form": form})
-                suite.addTests(unittest.defaultTestLoader.loadTestsFromTestCase(made))
+    for home in case.homes:
+        for form in case.forms:
+            made = type(f"{case.__name__}_{home}_{form}", (case,), {"home_class": HOMES[home], "form": form})
+            suite.addTests(unittest.defaultTestLoader.loadTestsFromTestCase(made))
     return suite

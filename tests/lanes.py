@@ -198,9 +198,9 @@ def standin(lane):
                 lane.add("stand-in server ends on SIGTERM", "failed")
 
 
-def wine_prefix(lane):
-    """A fresh Wine prefix in build/wine that trusts the test authority."""
-    lane.build("windows")
+def wine_prefix(lane, *targets):
+    """A fresh Wine prefix in build/wine that trusts the test authority. Builds what is named, or everything."""
+    lane.build("windows", *targets)
     certificates(lane)
     server = next(p for p in ("/usr/lib/wine/wineserver64", "/usr/lib/wine/wineserver")
                   if os.path.exists(p))
@@ -335,9 +335,20 @@ def lane_hadoop(lane):
         return
     if code:
         raise LaneFailure(f"the cluster cannot be prepared\n{tail(output, 30)}")
-    lane.build("native")
-    wine_prefix(lane)
+    lane.build("native", "velandoc", "velandoc_command", "velandoc_script")
+    wine_prefix(lane, "velandoc", "velandoc_command", "trust_ca")
     lane.unittest("hadoop", [PYTHON, "-B", TOP / "tests/hadoop/hadoop_test.py"], timeout=480)
+    code, output = lane.run([TOP / "run", "--hadoop"], timeout=300)
+    lane.add("./run --hadoop ends well", "passed" if code == 0 else "failed", tail(output, 30))
+    check_hdfs_job(lane, output)
+
+
+def check_hdfs_job(lane, output):
+    """What ./run says of its file in HDFS, natively and under Wine, whatever the server."""
+    for line in ("uploaded:   /user/bob/reports/figures 2026.csv, 7600 bytes, permissions 640",
+                 "the copy is equal to the file, and the preview to its first three lines",
+                 "deleted:    /user/bob/reports/figures 2026.csv.old"):
+        lane.add(f"{line} (natively and under Wine)", "passed" if output.count(f"\n{line}\n") == 2 else "failed")
 
 
 def lane_demo(lane):
@@ -352,6 +363,7 @@ def lane_demo(lane):
     for line in ("checked out     by you (Jane Doe)", "checked out     by Jane Doe", "Title   Budget and plan",
                  "nothing that is required is missing"):
         lane.add(line, "passed" if f"\n{line}\n" in output else "failed")
+    check_hdfs_job(lane, output)
 
 
 LANES = {

@@ -232,6 +232,30 @@ class Samples(BothHomes):
         self.assertEqual((document["comment"], document["version"]), ("caf\u00e9", "3.0"))
 
 
+    def test_hdfs(self):
+        case = run_case.Case(run_case.TOP / "samples/hdfs.js")
+        results, requests = [], []
+        for home in self.homes.values():
+            source = pathlib.Path(self.folder.name) / "figures.csv"
+            copy = pathlib.Path(self.folder.name) / f"copy-{home.name}.csv"
+            source.write_bytes(b"a;1\r\nb;2\r\nc;3\r\nd;4\r\n")
+            local = [home.local(path) for path in (source, copy)]
+            case.arguments = ["http://namenode.example.test", "bob", local[0], "/user/bob/figures.csv", local[1]]
+            self.server.command("DELETE", "/hdfs")
+            self.server.prepare(None)
+            results.append(home.run(case))
+            requests.append([comparable(record) for record in self.server.log()])
+            self.assertEqual(copy.read_bytes(), source.read_bytes())
+        self.assertEqual([result.code for result in results], [0, 0], results[0].lines + results[1].lines)
+        # The two lines left out name local files.
+        told = [[line for line in result.lines if not line.startswith(("preview:", "downloaded:"))] for result in results]
+        self.assertEqual(*told)
+        self.assertEqual(told[0], ["name node:  http://namenode.example.test:50070",
+                                   "uploaded:   /user/bob/figures.csv, 20 bytes, permissions 640",
+                                   "deleted:    /user/bob/figures.csv.old"])
+        self.assertEqual(*requests)
+
+
 def add_tests():
     for path in sorted(FOLDER.glob("*.js")):
         case = run_case.Case(path)

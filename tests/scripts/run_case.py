@@ -114,6 +114,10 @@ class NativeHome:
     def run_command(self, *arguments):
         return self.program("velandoc", *arguments)
 
+    def local(self, path):
+        """A path as programs of this home take it."""
+        return str(path)
+
 
 class WineHome:
     """cscript in the prefix of tools/wine, with the DLL registered and the server as WinINet's proxy."""
@@ -155,6 +159,9 @@ class WineHome:
     def run_command(self, *arguments):
         done = self.wine(self.build / "bin/velandoc.exe", *arguments)
         return Result(done.returncode, done.stdout, done.stderr)
+
+    def local(self, path):
+        return windows_path(path)
 
 
 def windows_path(path):

@@ -5,10 +5,8 @@
 //
 // Windows reads the type library that lies in the module's own resources, so nothing needs to be
 // registered. Linux reads the interface's table in resources/dispatch_tables.h. What a caller sees
-// is the same, with three exceptions: on Linux GetTypeInfoCount says 0, since there is no
-// ITypeInfo; the error object of the thread goes into an EXCEPINFO only if the object says through
-// ISupportErrorInfo that its interface has one; and an argument of type VARIANT is never VT_BYREF,
-// as the value behind the reference is passed.
+// is the same, with two exceptions: on Linux GetTypeInfoCount says 0, since there is no ITypeInfo,
+// and an argument of type VARIANT is never VT_BYREF, as the value behind the reference is passed.
 #pragma once
 
 #ifdef _WIN32

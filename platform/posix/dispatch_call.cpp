@@ -137,15 +137,12 @@ class PreparedArguments {
   std::array<Variant, kMaxDispatchArguments> m_owned;
 };
 
-/// The thread's error object, if the called object says that it speaks of its interface.
-void FillException(const DispatchTarget& target, HRESULT failure, EXCEPINFO& exception) {
+/// Takes the thread's error object. The called object is not asked by ISupportErrorInfo whether it
+/// is its own: scripts are to see what objects without that interface leave, and an older object of
+/// a thread shows with a member that does not clear it.
+void FillException(HRESULT failure, EXCEPINFO& exception) {
   exception = EXCEPINFO{};
   exception.scode = failure;
-  ComPtr<ISupportErrorInfo> support;
-  if (FAILED(target.unknown->QueryInterface(IID_ISupportErrorInfo, support.ReceiveVoid())) ||
-      support->InterfaceSupportsErrorInfo(target.iid) != S_OK) {
-    return;
-  }
   ComPtr<IErrorInfo> info;
   if (GetErrorInfo(0, info.Receive()) != S_OK) return;
   info->GetSource(&exception.bstrSource);
@@ -176,9 +173,9 @@ HRESULT FindDispatchIds(DispatchMembers members, LPOLESTR* names, UINT count, DI
   return result;
 }
 
-HRESULT CallDispatchMember(const DispatchTarget& target, DispatchMembers members, DISPID id,
-                           LCID lcid, WORD flags, DISPPARAMS* params, VARIANT* result,
-                           EXCEPINFO* exception, UINT* argErr) {
+HRESULT CallDispatchMember(void* object, DispatchMembers members, DISPID id, LCID lcid, WORD flags,
+                           DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
+                           UINT* argErr) {
   if (result != nullptr) VariantInit(result);
   if (params == nullptr) return E_INVALIDARG;
   const DispatchMember* const member = FindMember(members, id, flags);
@@ -194,9 +191,9 @@ HRESULT CallDispatchMember(const DispatchTarget& target, DispatchMembers members
     return prepared;
   }
   Variant returned;
-  const HRESULT called = member->call(target.object, arguments.Get(), returned.Get());
+  const HRESULT called = member->call(object, arguments.Get(), returned.Get());
   if (FAILED(called)) {
-    if (exception != nullptr) FillException(target, called, *exception);
+    if (exception != nullptr) FillException(called, *exception);
     return DISP_E_EXCEPTION;
   }
   if (result != nullptr) std::swap(*result, returned.Get());

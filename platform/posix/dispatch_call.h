@@ -14,19 +14,11 @@ using DispatchMembers = std::span<const DispatchMember>;
 /// then DISPID_UNKNOWN.
 HRESULT FindDispatchIds(DispatchMembers members, LPOLESTR* names, UINT count, DISPID* ids);
 
-/// The object that is called: the interface of the table, as the table's code takes it and as
-/// IUnknown.
-struct DispatchTarget {
-  void* object;
-  IUnknown* unknown;
-  REFIID iid;
-};
-
-/// Calls the member. `*result`, unless null, is taken as uninitialised and always set; `*exception`
-/// is set with DISP_E_EXCEPTION, which is what every failure of the member itself becomes. A C++
+/// Calls the member of `object`, which is a pointer to the table's interface. `*result`, unless
+/// null, is taken as uninitialised and always set; `*exception` is set with DISP_E_EXCEPTION, which
+/// is what every failure of the member itself becomes, and takes the thread's error object. A C++
 /// exception of the member passes.
-HRESULT CallDispatchMember(const DispatchTarget& target, DispatchMembers members, DISPID id,
-                           LCID lcid, WORD flags, DISPPARAMS* params, VARIANT* result,
-                           EXCEPINFO* exception, UINT* argErr);
+HRESULT CallDispatchMember(void* object, DispatchMembers members, DISPID id, LCID lcid, WORD flags,
+                           DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception, UINT* argErr);
 
 }  // namespace velandoc

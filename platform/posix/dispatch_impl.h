@@ -26,8 +26,7 @@ class IDispatchImpl : public I {
   HRESULT STDMETHODCALLTYPE Invoke(DISPID member, REFIID, LCID lcid, WORD flags, DISPPARAMS* params,
                                    VARIANT* result, EXCEPINFO* exception, UINT* argErr) override {
     I* const object = this;
-    const DispatchTarget target{object, object, *iid};
-    return CallDispatchMember(target, DispatchTable<I>::kMembers, member, lcid, flags, params,
+    return CallDispatchMember(object, DispatchTable<I>::kMembers, member, lcid, flags, params,
                               result, exception, argErr);
   }
 };

@@ -134,5 +134,13 @@ TEST(CodePage, KeepsUndefinedBytesOfTheAnsiPage) {
   EXPECT_EQ(Bytes(kWindows1252, OLESTR("\u4e2d")), "?");
 }
 
+// The tests' Windows has 1252 for both, too.
+TEST(CodePage, TheProcesssAnsiPageAndTheThreadsAre1252) {
+  for (const UINT page : {UINT{CP_ACP}, UINT{CP_THREAD_ACP}}) {
+    EXPECT_EQ(Wide(page, "A\xE9\x80\x9F\xFF"), OLESTR("A\u00e9\u20ac\u0178\u00ff")) << page;
+    EXPECT_EQ(Bytes(page, OLESTR("A\u00e9\u20ac")), "A\xE9\x80") << page;
+  }
+}
+
 }  // namespace
 }  // namespace velandoc::test

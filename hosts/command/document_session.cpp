@@ -2,6 +2,7 @@
 
 #include <exception>
 
+#include "hosts/command/command_module.h"
 #include "hosts/command/document_target.h"
 #include "hosts/command/probe_url.h"
 #include "hosts/command/talk.h"
@@ -10,12 +11,6 @@
 
 namespace velandoc {
 namespace {
-
-/// The program's module, whose locks the component's objects hold. It registers nothing.
-class CommandModule : public CAtlModule {
- public:
-  HRESULT AddCommonRGSReplacements(IRegistrarBase* /*registrar*/) override { return S_OK; }
-};
 
 void WarnOfUnusedPort(const std::string& url) {
   if (const auto port = FindUnusedPort(url)) {

@@ -11,11 +11,14 @@ enum ExitCode : int {
   kExitRegistration = 4,    // registering or unregistering failed
   kExitOutput = 5,          // the standard output cannot be written
   kExitFailure = 6,         // a call of the component failed
-  kExitNotOpened = 7,       // no such document, or its server cannot be asked
-  kExitIncomplete = 8,      // a part of the document did not arrive
+  kExitNotOpened = 7,       // no such document or file, or the document's server cannot be asked
+  kExitIncomplete = 8,      // a part of the document or file did not arrive
   kExitUnknownName = 9,     // the document has no key or column of this name; nothing was written
   kExitHeldByCaller = 10,   // doc status: checked out to the caller
   kExitHeldByAnother = 11,  // doc status: checked out to somebody else
+  kExitNoNode = 12,         // hdfs: no active name node, or a node that cannot be spoken to
+  kExitLocalFile = 13,      // hdfs: a local file or folder cannot be read or written
+  kExitExists = 14,         // hdfs: it is there already
 };
 
 }  // namespace velandoc

@@ -1,10 +1,12 @@
 // velandoc, the command: a host of the component. It makes the objects by their ProgIDs where their
-// interfaces tell all that it shows, and of the component's own classes where they do not (doc).
+// interfaces tell all that it shows, and of the component's own classes where they do not (doc,
+// hdfs).
 #include <exception>
 
 #include "hosts/com_apartment.h"
 #include "hosts/command/doc_command.h"
 #include "hosts/command/exit_codes.h"
+#include "hosts/command/hdfs_command.h"
 #include "hosts/command/options.h"
 #include "hosts/command/probe_command.h"
 #include "hosts/command/registration_command.h"
@@ -27,6 +29,8 @@ int Run(int argc, char** argv) {
       return RunProbe(parsed.options);
     case Action::kDoc:
       return RunDoc(parsed.options);
+    case Action::kHdfs:
+      return RunHdfs(parsed.options);
     default:
       return RunRegistration(parsed.options);
   }

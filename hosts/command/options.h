@@ -5,15 +5,17 @@
 #include <vector>
 
 #include "hosts/command/doc_options.h"
+#include "hosts/command/hdfs_options.h"
 
 namespace velandoc {
 
-enum class Action { kProbe, kDoc, kRegister, kUnregister };
+enum class Action { kProbe, kDoc, kHdfs, kRegister, kUnregister };
 
 struct Options {
   Action action = Action::kProbe;
   std::vector<std::string> urls;  // of probe, as typed
   DocOptions doc;                 // of doc
+  HdfsOptions hdfs;               // of hdfs
   bool user = false;              // register and unregister: for this user alone
   bool json = false;
   bool noInput = false;

@@ -65,6 +65,7 @@ inline constexpr DWORD HTTP_QUERY_REQUEST_METHOD = 45;
 
 // InternetQueryOption and InternetSetOption.
 inline constexpr DWORD INTERNET_OPTION_SECURITY_FLAGS = 31;
+inline constexpr DWORD INTERNET_OPTION_URL = 34;
 inline constexpr DWORD SECURITY_FLAG_SECURE = 0x00000001;
 inline constexpr DWORD SECURITY_FLAG_IGNORE_REVOCATION = 0x00000080;
 inline constexpr DWORD SECURITY_FLAG_IGNORE_UNKNOWN_CA = 0x00000100;

@@ -31,6 +31,9 @@ class HttpRequest : public HandleObject {
   /// Who sent the answer, or refused it: after redirects, and the proxy when `ofProxy`.
   const Endpoint& Peer(bool ofProxy) const;
   const CertificateFacts* PeerCertificate() const;
+  /// Where the request stands: its own URL, and after redirects the latest one's. Always with a
+  /// port.
+  std::string Url() const { return Origin(m_hop.server) + m_hop.path; }
 
  protected:
   struct Hop {

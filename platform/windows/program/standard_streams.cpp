@@ -2,12 +2,15 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 
 #include "platform/windows/program/wide_text.h"
 
 namespace velandoc {
 namespace {
+
+constexpr DWORD kEscapes = 0x0004;  // ENABLE_VIRTUAL_TERMINAL_PROCESSING
 
 /// A console takes UTF-16 and shows it whatever its code page; pipes and files take the bytes.
 bool Write(std::string_view text, DWORD handleName, FILE* stream) {
@@ -30,9 +33,47 @@ bool WriteOutput(std::string_view text) { return Write(text, STD_OUTPUT_HANDLE, 
 
 bool FlushOutput() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }
 
+bool WriteBytes(std::string_view bytes) {
+  constexpr std::size_t kLargest = std::size_t{1} << 20;
+  if (!FlushOutput()) return false;
+  HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+  while (!bytes.empty()) {
+    DWORD written = 0;
+    const auto size = static_cast<DWORD>(std::min(bytes.size(), kLargest));
+    if (!::WriteFile(output, bytes.data(), size, &written, nullptr)) return false;
+    bytes.remove_prefix(written);
+  }
+  return true;
+}
+
+std::ptrdiff_t ReadBytes(char* buffer, std::size_t size) {
+  constexpr std::size_t kLargest = std::size_t{1} << 20;
+  DWORD count = 0;
+  const auto wanted = static_cast<DWORD>(std::min(size, kLargest));
+  if (::ReadFile(GetStdHandle(STD_INPUT_HANDLE), buffer, wanted, &count, nullptr)) return count;
+  // The other end of a pipe is closed: that is how it ends.
+  return ::GetLastError() == ERROR_BROKEN_PIPE ? 0 : -1;
+}
+
 void WriteTalk(std::string_view text) {
   std::fflush(stdout);
   if (Write(text, STD_ERROR_HANDLE, stderr)) std::fflush(stderr);
+}
+
+bool IsTalkTerminal() {
+  HANDLE handle = GetStdHandle(STD_ERROR_HANDLE);
+  DWORD mode = 0;
+  // A console of today erases lines once it is told to; an older one refuses that.
+  return GetConsoleMode(handle, &mode) != 0 &&
+         SetConsoleMode(handle, mode | kEscapes) != 0;
+}
+
+std::size_t TalkColumns() {
+  constexpr std::size_t kUsual = 80;
+  CONSOLE_SCREEN_BUFFER_INFO info{};
+  const bool known =
+      GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &info) != 0 && info.dwSize.X > 1;
+  return known ? static_cast<std::size_t>(info.dwSize.X) : kUsual;
 }
 
 }  // namespace velandoc

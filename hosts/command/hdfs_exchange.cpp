@@ -1,0 +1,10 @@
+#include "hosts/command/hdfs_exchange.h"
+
+namespace velandoc {
+
+HdfsExchangeLog& ThreadExchangeLog() {
+  thread_local HdfsExchangeLog log;
+  return log;
+}
+
+}  // namespace velandoc

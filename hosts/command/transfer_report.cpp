@@ -1,0 +1,79 @@
+#include "hosts/command/transfer_report.h"
+
+#include "hosts/command/visible_text.h"
+
+namespace velandoc {
+namespace {
+
+const char* WordOf(TransferOutcome outcome) {
+  switch (outcome) {
+    case TransferOutcome::kDone:
+      return "transferred";
+    case TransferOutcome::kSkipped:
+      return "skipped";
+    case TransferOutcome::kFailed:
+      break;
+  }
+  return "failed";
+}
+
+nlohmann::ordered_json ResultJson(const TransferResult& result) {
+  return {{"from", result.from},
+          {"to", result.to},
+          {"length", result.length},
+          {"outcome", WordOf(result.outcome)},
+          {"error", result.failure ? FailureJson(*result.failure) : nullptr}};
+}
+
+}  // namespace
+
+void TellTransfer(const HdfsRun& run, const TransferResult& result) {
+  if (result.failure) {
+    run.progress.Say(FailureText(*result.failure));
+    return;
+  }
+  const std::string what = result.outcome == TransferOutcome::kSkipped
+                               ? "skipped, it has the right size"
+                               : std::to_string(result.length) + " bytes";
+  run.Tell(VisibleText(result.from) + " -> " + VisibleText(result.to) + ": " + what);
+}
+
+int FinishTransfers(const HdfsRun& run, const std::vector<TransferResult>& results, bool isTree) {
+  std::size_t done = 0;
+  std::size_t skipped = 0;
+  std::size_t failed = 0;
+  std::uint64_t bytes = 0;
+  int exitCode = kExitSuccess;
+  nlohmann::ordered_json files = nlohmann::ordered_json::array();
+  for (const TransferResult& result : results) {
+    files.push_back(ResultJson(result));
+    switch (result.outcome) {
+      case TransferOutcome::kDone:
+        ++done;
+        bytes += result.length;
+        break;
+      case TransferOutcome::kSkipped:
+        ++skipped;
+        break;
+      case TransferOutcome::kFailed:
+        ++failed;
+        if (exitCode == kExitSuccess) {
+          exitCode = result.failure ? result.failure->exitCode : kExitFailure;
+        }
+        break;
+    }
+  }
+  if (run.options.json) {
+    run.WriteJson({{"files", files},
+                   {"transferred", done},
+                   {"skipped", skipped},
+                   {"failed", failed},
+                   {"bytes", bytes}});
+  } else if (isTree) {
+    run.Tell(std::to_string(done) + " transferred (" + std::to_string(bytes) + " bytes), " +
+             std::to_string(skipped) + " skipped, " + std::to_string(failed) + " failed");
+  }
+  return exitCode;
+}
+
+}  // namespace velandoc

@@ -52,6 +52,8 @@ def comparable(record):
         fields = fields[:1]
     elif record["connect_host"]:  # differences.json, length_behind_connect
         fields.sort(key=lambda field: field.lower().startswith("content-length:"))
+    elif record.get("role") == "data node":  # differences.json, host_behind_redirect
+        fields.sort(key=lambda field: field.startswith("Host:"))
     return {"method": record["method"], "target": record["target"], "host": record["host"],
             "tls": record["tls"], "head": fields, "body": comparable_body(body)}
 

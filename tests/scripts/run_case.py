@@ -5,7 +5,7 @@ run_case.py --home native|wine --ready READY.json CASE.js
 
 READY.json is the file that the server was started with (--ready). The script's first comment lines tell how it is run:
 
-  // args: A B C         its arguments
+  // args: A B C         its arguments; {base} is the server's URL, {folder} a folder with one file, source.txt
   // rules: JSON         the server's rules while it runs (standin/README.md), on one line
   // exit: N             the exit code that it must end with; 0 if not told
   // component: echo     needs the test component of tests/echo_component
@@ -16,11 +16,13 @@ nothing catches ends a script in silence and with exit code 0.
 """
 
 import argparse
+import atexit
 import http.client
 import json
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -83,6 +85,7 @@ class StandIn:
     def prepare(self, rules):
         self.command("PUT", "/behaviour", rules or [])
         self.command("DELETE", "/site")
+        self.command("DELETE", "/hdfs")
         self.command("DELETE", "/log")
 
     def log(self):
@@ -94,12 +97,13 @@ class NativeHome:
 
     def __init__(self, ports, build=TOP / "build/native", certificates=TOP / "build/certificates"):
         self.build = build
+        self.ports = ports
         self.folder = tempfile.TemporaryDirectory(prefix="velandoc-registry-")
         write_echo_registry(pathlib.Path(self.folder.name), build / "lib/echo_component.so")
         proxy = f"http://127.0.0.1:{ports['http']}"
         self.environment = without_settings(os.environ)
         self.environment.update(
-            http_proxy=proxy, https_proxy=proxy, SSL_CERT_FILE=str(certificates / "ca.pem"),
+            http_proxy=proxy, https_proxy=proxy, no_proxy="localhost", SSL_CERT_FILE=str(certificates / "ca.pem"),
             VELANDOC_REGISTRY_DIR=self.folder.name, VELANDOC_NO_INPUT="1")
 
     def program(self, name, *arguments):
@@ -109,7 +113,7 @@ class NativeHome:
         return Result(done.returncode, done.stdout, done.stderr)
 
     def run(self, case):
-        return self.program("velandoc-script", case.path, *case.arguments)
+        return self.program("velandoc-script", case.path, *arguments_of(case, self))
 
     def run_command(self, *arguments):
         return self.program("velandoc", *arguments)
@@ -129,6 +133,7 @@ class WineHome:
         # The registry's proxy alone counts then; Wine would read the environment's, too.
         self.environment = without_settings(os.environ)
         self.build = build
+        self.ports = ports
         self.must("regsvr32", "/s", windows_path(build / "bin/velandoc.dll"))
         self.set_text(rf"HKLM\Software\Classes\{ECHO_NAME}\CLSID", ECHO_CLASS)
         self.set_text(rf"HKLM\Software\Classes\CLSID\{ECHO_CLASS}\InprocServer32",
@@ -137,6 +142,8 @@ class WineHome:
         self.must("reg", "add", self.SETTINGS, "/v", "ProxyEnable", "/t", "REG_DWORD", "/d", "1", "/f")
         self.must("reg", "add", self.SETTINGS, "/v", "ProxyServer", "/d",
                   f"http={proxy};https={proxy}", "/f")
+        # WinHTTP reads none of these: what is asked over both goes to this host.
+        self.must("reg", "add", self.SETTINGS, "/v", "ProxyOverride", "/d", "localhost", "/f")
 
     def wine(self, *arguments):
         return subprocess.run([TOP / "tools/wine", *arguments], env=self.environment, cwd=TOP,
@@ -153,7 +160,7 @@ class WineHome:
         self.must("reg", "add", key, "/ve", "/d", value, "/f")
 
     def run(self, case):
-        done = self.wine("cscript", "//nologo", windows_path(case.path), *case.arguments)
+        done = self.wine("cscript", "//nologo", windows_path(case.path), *arguments_of(case, self))
         return Result(done.returncode, done.stdout, done.stderr)
 
     def run_command(self, *arguments):
@@ -162,6 +169,20 @@ class WineHome:
 
     def local(self, path):
         return windows_path(path)
+
+
+SOURCE = "one\r\ntwo \u00e9\r\n\r\nfour\r\nfive".encode()
+
+
+def arguments_of(case, home):
+    """The case's arguments for one run in a home, with a fresh folder if it wants one."""
+    folder = None
+    if "{folder}" in case.arguments:
+        folder = tempfile.mkdtemp(prefix="velandoc-case-")
+        atexit.register(shutil.rmtree, folder, ignore_errors=True)
+        (pathlib.Path(folder) / "source.txt").write_bytes(SOURCE)
+    values = {"{base}": f"http://localhost:{home.ports['http']}", "{folder}": folder and home.local(folder)}
+    return [values.get(argument, argument) for argument in case.arguments]
 
 
 def windows_path(path):

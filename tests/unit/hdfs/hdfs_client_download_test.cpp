@@ -97,6 +97,7 @@ TEST_F(HdfsClientDownloadTest, WithoutAnAnswerTheLibrarysWordsStand) {
   EXPECT_EQ(Download(false, OLESTR("out")), E_FAIL);
   EXPECT_THAT(m_files.files, IsEmpty());
   EXPECT_EQ(Error(), "0 cannot connect\\u000D\\u000A");
+  EXPECT_EQ(OnTheThread(), "HDFS Client Connect: cannot connect\\u000D\\u000A");
 }
 
 TEST_F(HdfsClientDownloadTest, ABodyThatBreaksOffLeavesNoFile) {

@@ -147,7 +147,9 @@ TEST_F(WinHttpResponseStreamTest, NoOtherSeekIsServedAndStatIsNot) {
   STATSTG stat{};
   EXPECT_EQ(stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_END, nullptr), STG_E_INVALIDFUNCTION);
   EXPECT_EQ(stream->Seek(one, STREAM_SEEK_SET, nullptr), STG_E_INVALIDFUNCTION);
+  EXPECT_EQ(stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_CUR, nullptr), STG_E_INVALIDFUNCTION);
   EXPECT_EQ(stream->Stat(&stat, STATFLAG_NONAME), E_NOTIMPL);
+  EXPECT_EQ(stream->Write("x", 1, nullptr), E_NOTIMPL);
   EXPECT_TRUE(m_platform.calls.empty());
 }
 

@@ -60,17 +60,51 @@ GObjectPtr<WebKitWebContext> MakeContext() {
   return context;
 }
 
-/// Tells of a click inside an element with one of the ids, the nearest if there are several.
-std::string ClickScript(const std::string& ids) {
-  return "const wanted = '" + ids +
-         "'.split(' ');"
-         "addEventListener('click', event => {"
-         "  for (let node = event.target; node; node = node.parentElement) {"
-         "    if (!wanted.includes(node.id)) continue;"
-         "    window.webkit.messageHandlers.velandoc.postMessage(node.id);"
-         "    return;"
-         "  }"
-         "}, true);";
+/// What the page's author cannot see. It tells of Enter, which a page would send its form for, and
+/// of a click inside an element with one of the ids, the nearest if there are several. And it moves
+/// the focus: WebKit gives none to an element when the Tab key enters a page, and loses the next
+/// key when it leaves one. All of that happens inside the page, since that alone knows when the
+/// keys typed before have arrived.
+std::string PageWatch(const std::string& ids) {
+  return R"(
+    const tell = text => window.webkit.messageHandlers.velandoc.postMessage(text);
+    const wanted = ')" +
+         ids + R"('.split(' ').filter(id => id);
+
+    function focusNext(forward, from) {
+      const stops = [...document.querySelectorAll(
+          'input, select, textarea, button, a[href], [tabindex]')].filter(
+          node => !node.disabled && node.tabIndex >= 0 && node.getClientRects().length);
+      if (!forward) stops.reverse();
+      for (const node of stops.slice(stops.indexOf(from) + 1)) {
+        node.focus();
+        if (document.activeElement !== node) continue;
+        if (node.select) node.select();
+        return true;
+      }
+      return false;
+    }
+
+    addEventListener('keydown', event => {
+      if (!event.isTrusted || event.isComposing) return;
+      if (event.ctrlKey || event.altKey || event.metaKey) return;
+      if (event.key !== 'Enter' && event.keyCode !== 9) return;
+      event.preventDefault();
+      event.stopImmediatePropagation();
+      if (event.key === 'Enter') {
+        if (!event.repeat) tell('Enter');
+      } else if (!focusNext(!event.shiftKey, document.activeElement)) {
+        document.activeElement?.blur();
+        tell(event.shiftKey ? 'Back' : 'Forth');
+      }
+    }, true);
+
+    addEventListener('click', event => {
+      for (let node = event.target; node; node = node.parentElement) {
+        if (wanted.includes(node.id)) return tell('click ' + node.id);
+      }
+    }, true);
+  )";
 }
 
 gboolean Refuse() { return TRUE; }
@@ -100,15 +134,13 @@ ConfinedPage::~ConfinedPage() {
 }
 
 void ConfinedPage::MakeView(const std::string& clicks) {
-  if (!clicks.empty()) {
-    WebKitUserScript* script = webkit_user_script_new_for_world(
-        ClickScript(clicks).c_str(), WEBKIT_USER_CONTENT_INJECT_TOP_FRAME,
-        WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, kWorld, nullptr, nullptr);
-    webkit_user_content_manager_add_script(m_content.get(), script);
-    webkit_user_script_unref(script);
-    webkit_user_content_manager_register_script_message_handler_in_world(m_content.get(),
-                                                                         "velandoc", kWorld);
-  }
+  WebKitUserScript* script = webkit_user_script_new_for_world(
+      PageWatch(clicks).c_str(), WEBKIT_USER_CONTENT_INJECT_TOP_FRAME,
+      WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, kWorld, nullptr, nullptr);
+  webkit_user_content_manager_add_script(m_content.get(), script);
+  webkit_user_script_unref(script);
+  webkit_user_content_manager_register_script_message_handler_in_world(m_content.get(), "velandoc",
+                                                                       kWorld);
   const GObjectPtr<WebKitSettings> settings = MakeSettings();
   m_view.reset(WEBKIT_WEB_VIEW(g_object_ref_sink(
       g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", m_context.get(), "settings", settings.get(),
@@ -129,9 +161,10 @@ void ConfinedPage::Connect() {
   connect("context-menu", &OnContextMenu);
   connect("run-file-chooser", &OnFileChooser);
   connect("web-process-terminated", &OnTerminated);
+  connect("focus", &OnFocus);
   connect("enter-fullscreen", &Refuse);
   connect("print", &Refuse);
-  g_signal_connect(m_content.get(), "script-message-received::velandoc", G_CALLBACK(&OnClick),
+  g_signal_connect(m_content.get(), "script-message-received::velandoc", G_CALLBACK(&OnWatch),
                    this);
   const auto begin = +[](WebKitInputMethodContext*, gpointer page) {
     static_cast<ConfinedPage*>(page)->m_composing = true;
@@ -238,15 +271,31 @@ gboolean ConfinedPage::OnContextMenu(WebKitWebView*, WebKitContextMenu*, GdkEven
   return !webkit_hit_test_result_context_is_editable(place);
 }
 
+gboolean ConfinedPage::OnFocus(GtkWidget* view, GtkDirectionType direction, gpointer) {
+  const bool isForward = direction == GTK_DIR_TAB_FORWARD;
+  if (!isForward && direction != GTK_DIR_TAB_BACKWARD) return FALSE;
+  if (gtk_widget_is_focus(view) != FALSE) return FALSE;  // the way out
+  gtk_widget_grab_focus(view);
+  const char* const enter = isForward ? "focusNext(true, null)" : "focusNext(false, null)";
+  webkit_web_view_call_async_javascript_function(WEBKIT_WEB_VIEW(view), enter, -1, nullptr, kWorld,
+                                                 nullptr, nullptr, nullptr, nullptr);
+  return TRUE;
+}
+
 gboolean ConfinedPage::OnFileChooser(WebKitWebView*, WebKitFileChooserRequest* request, gpointer) {
   webkit_file_chooser_request_cancel(request);
   return TRUE;
 }
 
-void ConfinedPage::OnClick(WebKitUserContentManager*, WebKitJavascriptResult* message,
+void ConfinedPage::OnWatch(WebKitUserContentManager*, WebKitJavascriptResult* message,
                            gpointer page) {
-  const GlibText id(jsc_value_to_string(webkit_javascript_result_get_js_value(message)));
-  static_cast<ConfinedPage*>(page)->m_events.OnPageClick(id.get());
+  constexpr std::string_view kClick = "click ";
+  const GlibText text(jsc_value_to_string(webkit_javascript_result_get_js_value(message)));
+  const std::string_view told = text.get();
+  PageEvents& events = static_cast<ConfinedPage*>(page)->m_events;
+  if (told == "Enter") events.OnPageEnter();
+  if (told == "Forth" || told == "Back") events.OnPageLeft(told == "Forth");
+  if (told.substr(0, kClick.size()) == kClick) events.OnPageClick(told.substr(kClick.size()));
 }
 
 void ConfinedPage::OnTerminated(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer page) {

@@ -25,6 +25,10 @@ class PageEvents {
  public:
   /// The page is complete, and its functions can be called.
   virtual void OnPageLoaded() noexcept = 0;
+  /// Enter in the page, behind everything that was typed before.
+  virtual void OnPageEnter() noexcept = 0;
+  /// Tab behind the last element or, not `forward`, in front of the first one.
+  virtual void OnPageLeft(bool forward) noexcept = 0;
   /// A click inside the element `id`, one of those that were asked for.
   virtual void OnPageClick(std::string_view id) noexcept = 0;
   /// The process that showed the page has died; nothing can be called any more.
@@ -63,7 +67,7 @@ class ConfinedPage {
   bool IsGone() const { return m_gone; }
   /// A call, and with it maybe an alert box, is under way.
   bool IsCalling() const { return m_calls > 0; }
-  /// Whether an input method holds text that is not in the page yet: Enter and Escape are its own.
+  /// Whether an input method holds text that is not in the page yet: Escape is its own then.
   bool IsComposing() const { return m_composing; }
 
  private:
@@ -81,8 +85,9 @@ class ConfinedPage {
   static gboolean OnScriptDialog(WebKitWebView*, WebKitScriptDialog* dialog, gpointer page);
   static gboolean OnContextMenu(WebKitWebView*, WebKitContextMenu*, GdkEvent*,
                                 WebKitHitTestResult* place, gpointer);
+  static gboolean OnFocus(GtkWidget* view, GtkDirectionType direction, gpointer);
   static gboolean OnFileChooser(WebKitWebView*, WebKitFileChooserRequest* request, gpointer);
-  static void OnClick(WebKitUserContentManager*, WebKitJavascriptResult* message, gpointer page);
+  static void OnWatch(WebKitUserContentManager*, WebKitJavascriptResult* message, gpointer page);
   static void OnTerminated(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer page);
   static void OnCallDone(GObject* view, GAsyncResult* result, gpointer call);
 

@@ -168,6 +168,10 @@ DialogControl* DialogWindow::CreatePage(const RECT& place, std::span<const Eleme
 
 bool DialogWindow::LoadPage(const std::string& path) { return m_page && m_page->Load(path); }
 
+bool DialogWindow::HasPageFocus() const {
+  return m_page && gtk_window_get_focus(GTK_WINDOW(m_window)) == m_page->Widget();
+}
+
 void DialogWindow::Take(int id) {
   if (m_ended) return;
   if (m_page && m_page->IsCalling()) {
@@ -199,6 +203,13 @@ void DialogWindow::TellSize() {
 
 void DialogWindow::OnPageLoaded() noexcept { m_pageLoaded = true; }
 
+void DialogWindow::OnPageEnter() noexcept { Take(m_defaultId); }
+
+void DialogWindow::OnPageLeft(bool forward) noexcept {
+  if (!HasPageFocus()) return;
+  gtk_widget_child_focus(m_window, forward ? GTK_DIR_TAB_FORWARD : GTK_DIR_TAB_BACKWARD);
+}
+
 void DialogWindow::OnPageClick(std::string_view id) noexcept {
   for (std::size_t i = 0; i < m_wanted.size(); ++i) {
     if (WideToUtf8(ViewOf(m_wanted[i].element)) == id) m_clicks.push_back(i);
@@ -206,6 +217,7 @@ void DialogWindow::OnPageClick(std::string_view id) noexcept {
 }
 
 void DialogWindow::OnPageGone() noexcept {
+  if (HasPageFocus() && !m_controls.empty()) gtk_widget_grab_focus(m_controls.front()->widget);
   m_pageLoaded = false;
   m_clicks.clear();
 }
@@ -232,26 +244,13 @@ gboolean DialogWindow::OnPosition(GtkOverlay* area, GtkWidget* child, GdkRectang
   return FALSE;
 }
 
-gboolean DialogWindow::OnKey(GtkWidget* widget, GdkEventKey* event, gpointer window) {
+gboolean DialogWindow::OnKey(GtkWidget*, GdkEventKey* event, gpointer window) {
   auto& self = *static_cast<DialogWindow*>(window);
+  if (event->keyval != GDK_KEY_Escape) return FALSE;
   if ((event->state & gtk_accelerator_get_default_mod_mask()) != 0) return FALSE;
-  const bool isInPage =
-      self.m_page && gtk_window_get_focus(GTK_WINDOW(widget)) == self.m_page->Widget();
-  if (isInPage && self.m_page->IsComposing()) return FALSE;
-  switch (event->keyval) {
-    case GDK_KEY_Escape:
-      self.Take(IDCANCEL);
-      return TRUE;
-    case GDK_KEY_Return:
-    case GDK_KEY_KP_Enter:
-    case GDK_KEY_ISO_Enter:
-      // The page would send its form. A button with the focus takes the key for itself.
-      if (!isInPage) return FALSE;
-      self.Take(self.m_defaultId);
-      return TRUE;
-    default:
-      return FALSE;
-  }
+  if (self.HasPageFocus() && self.m_page->IsComposing()) return FALSE;
+  self.Take(IDCANCEL);
+  return TRUE;
 }
 
 gboolean DialogWindow::OnDelete(GtkWidget*, GdkEvent*, gpointer window) {

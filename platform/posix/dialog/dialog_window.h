@@ -53,7 +53,7 @@ class DialogWindow final : private PageEvents {
 
   void AddButton(const DialogButton& button);
   void SetOwner();
-  void Fill();
+  bool HasPageFocus() const;
   /// Takes a command from GTK, to be told of from the loop: while a script call is under way
   /// nothing is, and only Cancel is kept, since it ends the page that does not answer.
   void Take(int id);
@@ -61,6 +61,8 @@ class DialogWindow final : private PageEvents {
   void TellSize();
 
   void OnPageLoaded() noexcept override;
+  void OnPageEnter() noexcept override;
+  void OnPageLeft(bool forward) noexcept override;
   void OnPageClick(std::string_view id) noexcept override;
   void OnPageGone() noexcept override;
 
@@ -80,6 +82,7 @@ class DialogWindow final : private PageEvents {
   int m_command = kNoCommand;         // taken, not yet told
   bool m_pageLoaded = false;          // not yet told
   std::vector<std::size_t> m_clicks;  // into m_wanted, not yet told
+  guint32 m_tabInPage = 0;            // the time of the last Tab that the page was given; 0 is none
   bool m_ended = false;
   INT_PTR m_result = 0;
 };

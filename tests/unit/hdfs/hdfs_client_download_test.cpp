@@ -60,13 +60,6 @@ TEST_F(HdfsClientDownloadTest, NullPointersAreNoPathAndNoResult) {
   EXPECT_EQ(m_files.files.size(), 1U);
 }
 
-TEST_F(HdfsClientDownloadTest, APathTogetherWithARandomNameIsRefusedAndTouchesNoFile) {
-  EXPECT_EQ(Download(true, OLESTR("out")), E_INVALIDARG);
-  EXPECT_THAT(m_files.files, IsEmpty());
-  EXPECT_THAT(m_platform.calls, IsEmpty());
-  EXPECT_EQ(Error(), "none");
-}
-
 TEST_F(HdfsClientDownloadTest, APathThatEndsInASlashOrHasNoneGivesNoName) {
   for (const LPCOLESTR path : {OLESTR("/dir/"), OLESTR("name"), OLESTR("")}) {
     m_client->put_HdfsPath(Bstr(path).Get());

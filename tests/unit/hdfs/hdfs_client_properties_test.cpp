@@ -34,37 +34,6 @@ TEST_F(HdfsClientPropertiesTest, ANewClientHasItsDefaults) {
   EXPECT_EQ(client->get_ConnectionError(nullptr), E_POINTER);
 }
 
-TEST_F(HdfsClientPropertiesTest, SettersKeepWhatTheyAreGiven) {
-  const struct {
-    HRESULT (STDMETHODCALLTYPE IHdfsClient::*put)(BSTR);
-    HRESULT (STDMETHODCALLTYPE IHdfsClient::*get)(BSTR*);
-  } rows[] = {{&IHdfsClient::put_ServerName, &IHdfsClient::get_ServerName},
-              {&IHdfsClient::put_HdfsPath, &IHdfsClient::get_HdfsPath},
-              {&IHdfsClient::put_UserName, &IHdfsClient::get_UserName},
-              {&IHdfsClient::put_Op, &IHdfsClient::get_Op}};
-  for (const auto& row : rows) {
-    for (const LPCOLESTR value : {OLESTR("a b/\u00e9 ?"), OLESTR("")}) {
-      EXPECT_EQ((m_client.Get()->*row.put)(Bstr(value).Get()), S_OK);
-      Bstr text;
-      EXPECT_EQ((m_client.Get()->*row.get)(text.Receive()), S_OK);
-      EXPECT_EQ(text.Text(), value);
-    }
-    EXPECT_EQ((m_client.Get()->*row.put)(nullptr), S_OK);
-  }
-  EXPECT_EQ(m_client->put_Options(-1), S_OK);
-  INT options = 0;
-  m_client->get_Options(&options);
-  EXPECT_EQ(options, -1);
-  EXPECT_EQ(m_client->put_Port(65535), S_OK);
-  USHORT port = 0;
-  m_client->get_Port(&port);
-  EXPECT_EQ(port, 65535);
-  EXPECT_EQ(m_client->put_Secure(7), S_OK);
-  VARIANT_BOOL secure = VARIANT_FALSE;
-  m_client->get_Secure(&secure);
-  EXPECT_EQ(secure, 7) << "as it comes";
-}
-
 TEST_F(HdfsClientPropertiesTest, BaseUrlIsTakenApartAndPutTogether) {
   EXPECT_EQ(m_client->put_BaseUrl(Bstr(OLESTR("https://other/x")).Get()), S_OK);
   Bstr url;
@@ -122,49 +91,6 @@ TEST_F(HdfsClientPropertiesTest, AnswersToItsInterfacesOnly) {
   for (const auto& row : rows) {
     ComPtr<IUnknown> found;
     EXPECT_EQ(m_client->QueryInterface(*row.id, found.ReceiveVoid()), row.result);
-  }
-}
-
-TEST_F(HdfsClientPropertiesTest, ItCanBeAggregated) {
-  ComPtr<IUnknown> outer;
-  EXPECT_EQ(m_client->QueryInterface(IID_IUnknown, outer.ReceiveVoid()), S_OK);
-  ComPtr<IUnknown> inner;
-  EXPECT_EQ(CHdfsClient::CreateObject(outer.Get(), IID_IUnknown, inner.ReceiveVoid()), S_OK);
-  ComPtr<IHdfsClient> client;
-  EXPECT_EQ(inner->QueryInterface(IID_IHdfsClient, client.ReceiveVoid()), S_OK);
-  ComPtr<IUnknown> identity;
-  EXPECT_EQ(client->QueryInterface(IID_IUnknown, identity.ReceiveVoid()), S_OK);
-  EXPECT_EQ(identity.Get(), outer.Get());
-}
-
-TEST_F(HdfsClientPropertiesTest, ScriptsFindTheMembersByTheirNumbers) {
-  const struct {
-    LPCOLESTR name;
-    DISPID id;
-  } rows[] = {{OLESTR("Port"), 1},
-              {OLESTR("ServerName"), 2},
-              {OLESTR("HdfsPath"), 3},
-              {OLESTR("Download"), 4},
-              {OLESTR("BaseUrl"), 5},
-              {OLESTR("Stream"), 6},
-              {OLESTR("DownloadPreview"), 7},
-              {OLESTR("UserName"), 8},
-              {OLESTR("VerifyServer"), 10},
-              {OLESTR("Secure"), 11},
-              {OLESTR("URL"), 12},
-              {OLESTR("ConnectionError"), 14},
-              {OLESTR("Op"), 15},
-              {OLESTR("GetText"), 16},
-              {OLESTR("Options"), 17},
-              {OLESTR("Upload"), 18},
-              {OLESTR("Delete"), 19},
-              {OLESTR("Rename"), 20},
-              {OLESTR("CreateFolder"), 21}};
-  for (const auto& row : rows) {
-    LPOLESTR names[] = {const_cast<LPOLESTR>(row.name)};
-    DISPID id = 0;
-    EXPECT_EQ(m_client->GetIDsOfNames(IID_NULL, names, 1, 0x409, &id), S_OK);
-    EXPECT_EQ(id, row.id) << Printable(row.name);
   }
 }
 

@@ -8,12 +8,9 @@ namespace velandoc::testing {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 class HdfsClientUploadTest : public HdfsClientTest {
  protected:
-  HdfsClientUploadTest() { m_services.texts[0x80070057] = OLESTR("bad argument\r\n"); }
-
   static Answer Redirect() {
     return {.status = OLESTR("307"),
             .chunks = {"moved"},
@@ -77,57 +74,6 @@ TEST_F(HdfsClientUploadTest, AFileIsReadFromItsName) {
   EXPECT_THAT(m_platform.CallsOf("InternetWriteFile"),
               ElementsAre("InternetWriteFile(6, 8192)", "InternetWriteFile(6, 8192)",
                           "InternetWriteFile(6, 3616)"));
-}
-
-TEST_F(HdfsClientUploadTest, AFileThatIsNotThereIsTheSystemsFailure) {
-  constexpr auto kNotFound = static_cast<HRESULT>(0x80070002);
-  m_services.texts[0x80070002] = OLESTR("no such file\r\n");
-  const TemporaryFolder folder;
-  const std::string narrow = (folder.Path() / "none").string();
-  const Variant source(WideString(narrow.begin(), narrow.end()));
-  EXPECT_EQ(m_client->Upload(source.Get(), VARIANT_TRUE, nullptr), kNotFound);
-  EXPECT_EQ(Error(), "0 no such file");
-  EXPECT_EQ(OnTheThread(), "HDFS Client Upload: no such file");
-  EXPECT_EQ(Op(), "OPEN");
-  EXPECT_THAT(m_platform.calls, IsEmpty());
-}
-
-TEST_F(HdfsClientUploadTest, BadPermissionsAreRefusedWithHttpCode0) {
-  TextStream stream("x");
-  for (const LPCOLESTR permissions : {OLESTR("999"), OLESTR("75"), OLESTR("7555"), OLESTR("rwx")}) {
-    EXPECT_EQ(m_client->Upload(Variant(7, VT_I4).Get(), VARIANT_TRUE, Bstr(permissions).Get()),
-              E_INVALIDARG);
-    EXPECT_EQ(Error(), "0 bad argument");
-    EXPECT_EQ(OnTheThread(), "HDFS Client Upload: bad argument");
-  }
-  EXPECT_EQ(Op(), "OPEN");
-  EXPECT_THAT(m_services.lines, IsEmpty());
-}
-
-TEST_F(HdfsClientUploadTest, AnIntegerAndOtherThingsAreNoSource) {
-  m_services.texts[0x80004002] = OLESTR("no such interface\r\n");
-  for (const VARTYPE type : {VT_I4, VT_EMPTY, VT_NULL, VT_UNKNOWN, VT_DISPATCH}) {
-    VARIANT source{};
-    source.vt = type;
-    EXPECT_EQ(m_client->Upload(source, VARIANT_TRUE, nullptr), E_NOINTERFACE) << type;
-    EXPECT_EQ(Error(), "0 no such interface");
-    EXPECT_EQ(OnTheThread(), "HDFS Client Upload: no such interface");
-  }
-  TextStream stream("x");
-  stream.queryResult = E_NOINTERFACE;
-  EXPECT_EQ(Upload(stream), E_NOINTERFACE);
-  EXPECT_EQ(Op(), "OPEN");
-  EXPECT_THAT(m_services.lines, IsEmpty());
-}
-
-TEST_F(HdfsClientUploadTest, AnObjectThatFailsOtherwiseToGiveItsStreamIsAnException) {
-  m_services.texts[0x80004004] = OLESTR("aborted\r\n");
-  TextStream stream("x");
-  stream.queryResult = E_ABORT;
-  EXPECT_EQ(Upload(stream), E_ABORT);
-  EXPECT_THAT(m_services.lines,
-              ElementsAre("Exception in automation method [CHdfsClient::Upload]: aborted"));
-  EXPECT_EQ(Error(), "none");
 }
 
 TEST_F(HdfsClientUploadTest, StreamsComeInThreeTypes) {

@@ -68,13 +68,6 @@ TEST_F(HdfsClientWinHttpDownloadTest, NullPointersAreNoPathAndNoResult) {
   EXPECT_EQ(m_files.files.size(), 1U);
 }
 
-TEST_F(HdfsClientWinHttpDownloadTest, APathTogetherWithARandomNameIsRefusedAndTouchesNoFile) {
-  EXPECT_EQ(Download(true, OLESTR("out")), E_INVALIDARG);
-  EXPECT_THAT(m_files.files, IsEmpty());
-  EXPECT_THAT(m_platform.calls, IsEmpty());
-  EXPECT_EQ(Error(), "none");
-}
-
 TEST_F(HdfsClientWinHttpDownloadTest, APathThatEndsInASlashGivesNoName) {
   m_client->put_HdfsPath(Bstr(OLESTR("/dir/")).Get());
   EXPECT_EQ(Download(), E_ACCESSDENIED);

@@ -54,33 +54,6 @@ TEST_F(HdfsClientWinHttpPropertiesTest, OptionsHaveNoEffectOnARequest) {
   }
 }
 
-TEST_F(HdfsClientWinHttpPropertiesTest, SettersKeepWhatTheyAreGiven) {
-  const struct {
-    HRESULT (STDMETHODCALLTYPE IHdfsClient::*put)(BSTR);
-    HRESULT (STDMETHODCALLTYPE IHdfsClient::*get)(BSTR*);
-  } rows[] = {{&IHdfsClient::put_ServerName, &IHdfsClient::get_ServerName},
-              {&IHdfsClient::put_HdfsPath, &IHdfsClient::get_HdfsPath},
-              {&IHdfsClient::put_UserName, &IHdfsClient::get_UserName},
-              {&IHdfsClient::put_Op, &IHdfsClient::get_Op}};
-  for (const auto& row : rows) {
-    for (const LPCOLESTR value : {OLESTR("a b/\u00e9 ?"), OLESTR("")}) {
-      EXPECT_EQ((m_client.Get()->*row.put)(Bstr(value).Get()), S_OK);
-      Bstr text;
-      EXPECT_EQ((m_client.Get()->*row.get)(text.Receive()), S_OK);
-      EXPECT_EQ(text.Text(), value);
-    }
-    EXPECT_EQ((m_client.Get()->*row.put)(nullptr), S_OK);
-  }
-  EXPECT_EQ(m_client->put_Port(65535), S_OK);
-  USHORT port = 0;
-  m_client->get_Port(&port);
-  EXPECT_EQ(port, 65535);
-  EXPECT_EQ(m_client->put_Secure(7), S_OK);
-  VARIANT_BOOL secure = VARIANT_FALSE;
-  m_client->get_Secure(&secure);
-  EXPECT_EQ(secure, 7) << "as it comes";
-}
-
 TEST_F(HdfsClientWinHttpPropertiesTest, ABaseUrlThatIsNoneIsSOkAndChangesNothing) {
   EXPECT_EQ(m_client->put_BaseUrl(Bstr(OLESTR("https://other/x")).Get()), S_OK);
   for (const LPCOLESTR url : {OLESTR("ftp://third"), OLESTR("third"), OLESTR("")}) {
@@ -97,13 +70,6 @@ TEST_F(HdfsClientWinHttpPropertiesTest, WhatABaseUrlsParseHadStoredStays) {
   Bstr text;
   m_client->get_URL(text.Receive());
   EXPECT_EQ(text.Text(), OLESTR("https://third:8/webhdfs/v1/d/f.txt"));
-}
-
-TEST_F(HdfsClientWinHttpPropertiesTest, SecureAloneLeavesThePort) {
-  m_client->put_Secure(VARIANT_TRUE);
-  Bstr text;
-  m_client->get_BaseUrl(text.Receive());
-  EXPECT_EQ(text.Text(), OLESTR("https://h:50070"));
 }
 
 TEST_F(HdfsClientWinHttpPropertiesTest, OnlyConnectionErrorAmongThePropertiesIsInTheFunnel) {
@@ -153,32 +119,6 @@ TEST_F(HdfsClientWinHttpPropertiesTest, AQueryForIRawRequestGivesNoInterface) {
     ComPtr<IUnknown> found;
     EXPECT_EQ(m_client->QueryInterface(*row.id, found.ReceiveVoid()), row.result);
   }
-}
-
-TEST_F(HdfsClientWinHttpPropertiesTest, ItCanBeAggregated) {
-  ComPtr<IUnknown> outer;
-  EXPECT_EQ(m_client->QueryInterface(IID_IUnknown, outer.ReceiveVoid()), S_OK);
-  ComPtr<IUnknown> inner;
-  EXPECT_EQ(CHdfsClientWinHttp::CreateObject(outer.Get(), IID_IUnknown, inner.ReceiveVoid()), S_OK);
-  ComPtr<IHdfsClient> client;
-  EXPECT_EQ(inner->QueryInterface(IID_IHdfsClient, client.ReceiveVoid()), S_OK);
-  ComPtr<IUnknown> identity;
-  EXPECT_EQ(client->QueryInterface(IID_IUnknown, identity.ReceiveVoid()), S_OK);
-  EXPECT_EQ(identity.Get(), outer.Get());
-}
-
-TEST_F(HdfsClientWinHttpPropertiesTest, ScriptsReadAndSetTheSameMembers) {
-  LPOLESTR name = const_cast<LPOLESTR>(OLESTR("Port"));
-  DISPID id = 0;
-  ASSERT_EQ(m_client->GetIDsOfNames(IID_NULL, &name, 1, 0x409, &id), S_OK);
-  EXPECT_EQ(id, 1);
-  DISPPARAMS none{};
-  Variant port;
-  EXPECT_EQ(m_client->Invoke(id, IID_NULL, 0x409, DISPATCH_PROPERTYGET, &none, port.Receive(),
-                             nullptr, nullptr),
-            S_OK);
-  EXPECT_EQ(port.Get().vt, VT_UI2);
-  EXPECT_EQ(port.Get().uiVal, 50070);
 }
 
 }  // namespace

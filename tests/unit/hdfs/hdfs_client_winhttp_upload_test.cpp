@@ -74,57 +74,6 @@ TEST_F(HdfsClientWinHttpUploadTest, AFileIsReadFromItsName) {
                           "WinHttpWriteData(6, 3616)"));
 }
 
-TEST_F(HdfsClientWinHttpUploadTest, AFileThatIsNotThereIsTheSystemsFailureWithoutALine) {
-  constexpr auto kNotFound = static_cast<HRESULT>(0x80070002);
-  m_services.texts[0x80070002] = OLESTR("no such file\r\n");
-  const TemporaryFolder folder;
-  const std::string narrow = (folder.Path() / "none").string();
-  const Variant source(WideString(narrow.begin(), narrow.end()));
-  EXPECT_EQ(m_client->Upload(source.Get(), VARIANT_TRUE, nullptr), kNotFound);
-  EXPECT_EQ(OnTheThread(), "HDFS Client Upload: no such file");
-  EXPECT_EQ(Error(), "0 no such file");
-  EXPECT_EQ(Op(), "OPEN");
-  EXPECT_THAT(m_platform.calls, IsEmpty());
-  EXPECT_THAT(m_services.lines, IsEmpty());
-}
-
-TEST_F(HdfsClientWinHttpUploadTest, BadPermissionsAreRefusedWithHttpCode0) {
-  TextStream stream("x");
-  for (const LPCOLESTR permissions : {OLESTR("999"), OLESTR("75"), OLESTR("7555"), OLESTR("rwx")}) {
-    EXPECT_EQ(m_client->Upload(Variant(7, VT_I4).Get(), VARIANT_TRUE, Bstr(permissions).Get()),
-              E_INVALIDARG);
-    EXPECT_EQ(OnTheThread(), "HDFS Client Upload: bad argument");
-    EXPECT_EQ(Error(), "0 bad argument");
-  }
-  EXPECT_EQ(Op(), "OPEN");
-  EXPECT_THAT(m_services.lines, IsEmpty());
-}
-
-TEST_F(HdfsClientWinHttpUploadTest, AnIntegerAndOtherThingsAreNoSource) {
-  m_services.texts[0x80004002] = OLESTR("no such interface\r\n");
-  for (const VARTYPE type : {VT_I4, VT_EMPTY, VT_NULL, VT_UNKNOWN, VT_DISPATCH}) {
-    VARIANT source{};
-    source.vt = type;
-    EXPECT_EQ(m_client->Upload(source, VARIANT_TRUE, nullptr), E_NOINTERFACE) << type;
-    EXPECT_EQ(OnTheThread(), "HDFS Client Upload: no such interface");
-    EXPECT_EQ(Error(), "0 no such interface");
-  }
-  TextStream stream("x");
-  stream.queryResult = E_NOINTERFACE;
-  EXPECT_EQ(Upload(stream), E_NOINTERFACE);
-  EXPECT_EQ(Op(), "OPEN");
-}
-
-TEST_F(HdfsClientWinHttpUploadTest, AnObjectThatFailsOtherwiseToGiveItsStreamIsAnException) {
-  m_services.texts[0x80004004] = OLESTR("aborted\r\n");
-  TextStream stream("x");
-  stream.queryResult = E_ABORT;
-  EXPECT_EQ(Upload(stream), E_ABORT);
-  EXPECT_THAT(m_services.lines,
-              ElementsAre("Exception in automation method [CHdfsClientWinHttp::Upload]: aborted"));
-  EXPECT_EQ(Error(), "none");
-}
-
 TEST_F(HdfsClientWinHttpUploadTest, StreamsComeInThreeTypes) {
   for (const VARTYPE type : {VT_DISPATCH, VT_UNKNOWN, VT_STREAM}) {
     PlayUpload({.status = OLESTR("201")});

@@ -31,6 +31,13 @@ class WinHttp {
                                        DWORD flags) = 0;
   /// Before the send. `size` in bytes.
   virtual BOOL WinHttpSetOption(HINTERNET handle, DWORD option, LPVOID buffer, DWORD size) = 0;
+  /// WINHTTP_OPTION_URL alone is asked for: the request's URL as a null-ended text, the latest
+  /// one's after redirects. `*size` is the buffer's size in bytes. A port that knows none says
+  /// FALSE.
+  virtual BOOL WinHttpQueryOption(HINTERNET /*handle*/, DWORD /*option*/, LPVOID /*buffer*/,
+                                  DWORD* /*size*/) {
+    return FALSE;
+  }
   /// For the server or the proxy of a request, before the send. `parameters` is null.
   virtual BOOL WinHttpSetCredentials(HINTERNET request, DWORD target, DWORD scheme,
                                      LPCWSTR userName, LPCWSTR password, LPVOID parameters) = 0;

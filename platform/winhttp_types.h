@@ -17,9 +17,10 @@ inline constexpr DWORD WINHTTP_ACCESS_TYPE_AUTOMATIC_PROXY = 4;
 // WinHttpOpenRequest.
 inline constexpr DWORD WINHTTP_FLAG_SECURE = 0x00800000;
 
-// WinHttpSetOption. The flags of the first are WinINet's SECURITY_FLAG_IGNORE_ bits for
-// certificates.
+// WinHttpSetOption and WinHttpQueryOption. The flags of the first are WinINet's
+// SECURITY_FLAG_IGNORE_ bits for certificates.
 inline constexpr DWORD WINHTTP_OPTION_SECURITY_FLAGS = 31;
+inline constexpr DWORD WINHTTP_OPTION_URL = 34;
 inline constexpr DWORD WINHTTP_OPTION_AUTOLOGON_POLICY = 77;
 inline constexpr DWORD WINHTTP_AUTOLOGON_SECURITY_LEVEL_MEDIUM = 0;
 inline constexpr DWORD WINHTTP_AUTOLOGON_SECURITY_LEVEL_LOW = 1;

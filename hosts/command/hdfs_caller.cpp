@@ -3,9 +3,11 @@
 #include <exception>
 
 #include "hdfs/hdfs_client.h"
+#include "hdfs/hdfs_client_winhttp.h"
 #include "hosts/command/talk.h"
 #include "hosts/text_encoding.h"
 #include "platform/atl/com_object.h"
+#include "platform/code_page.h"
 
 namespace velandoc {
 namespace {
@@ -15,6 +17,17 @@ ComPtr<IHdfsClient> Create() {
   CComObject<Client>* object = nullptr;
   CheckResult(CComObject<Client>::CreateInstance(&object));
   return ComPtr<IHdfsClient>(object);
+}
+
+/// The bytes that the WinHTTP client took for text of the ANSI code page. JSON is UTF-8.
+std::string AnsiBytes(WideView text) {
+  if (text.empty()) return {};
+  std::string bytes(text.size() * 2, '\0');  // no code page has more for a unit
+  const int count = CurrentPort<CodePage>().WideCharToMultiByte(
+      CP_ACP, 0, text.data(), static_cast<int>(text.size()), bytes.data(),
+      static_cast<int>(bytes.size()), nullptr, nullptr);
+  bytes.resize(static_cast<std::size_t>(count));
+  return bytes;
 }
 
 bool CannotConnect(const HdfsFailure& failure) {
@@ -35,14 +48,16 @@ ComPtr<IHdfsClient> CreateHdfsClient(HdfsStack stack) {
   switch (stack) {
     case HdfsStack::kWinInet:
       return Create<CHdfsClient>();
+    case HdfsStack::kWinHttp:
+      return Create<CHdfsClientWinHttp>();
   }
   return nullptr;
 }
 
 std::optional<HdfsFailure> HdfsCaller::RunAt(const NameNode& node, const HdfsCall& call,
                                              const std::function<HRESULT(IHdfsClient&)>& step) {
-  std::vector<HdfsExchange>& exchanges = ThreadExchangeLog().exchanges;
-  exchanges.clear();
+  HdfsExchangeLog& log = HdfsExchangeLog::OfThread();
+  log.Clear();
   HRESULT result = E_FAIL;
   std::string raised;
   try {
@@ -61,8 +76,8 @@ std::optional<HdfsFailure> HdfsCaller::RunAt(const NameNode& node, const HdfsCal
   } catch (const std::exception& error) {
     raised = std::string("the component raised an exception: ") + error.what();
   }
-  if (!exchanges.empty()) {
-    const HdfsExchange& last = exchanges.back();
+  if (!log.Exchanges().empty()) {
+    const HdfsExchange& last = log.Exchanges().back();
     if (last.status != call.wanted || last.error != 0) {
       return ExplainExchange(call.operation, call.path, last, call.wanted);
     }
@@ -94,10 +109,12 @@ std::optional<HdfsFailure> HdfsCaller::Run(const HdfsCall& call,
 
 std::optional<HdfsFailure> HdfsCaller::ReadText(const char* operation, const std::string& path,
                                                 std::string& text) {
-  return Run({operation, path}, [&text](IHdfsClient& client) {
+  return Run({operation, path}, [&](IHdfsClient& client) {
     Bstr answer;
     const HRESULT result = client.GetText(answer.Receive());
-    if (SUCCEEDED(result)) text = Utf8FromWide(answer.View());
+    if (FAILED(result)) return result;
+    const bool isAnsi = m_options.stack == HdfsStack::kWinHttp;
+    text = isAnsi ? AnsiBytes(answer.View()) : Utf8FromWide(answer.View());
     return result;
   });
 }

@@ -8,7 +8,7 @@ namespace velandoc {
 namespace {
 
 bool LatestAnswerIsTrue() {
-  const std::vector<HdfsExchange>& exchanges = ThreadExchangeLog().exchanges;
+  const std::vector<HdfsExchange>& exchanges = HdfsExchangeLog::OfThread().Exchanges();
   if (exchanges.empty()) return false;
   const auto json = nlohmann::json::parse(exchanges.back().answer, nullptr, false);
   if (!json.is_object()) return false;

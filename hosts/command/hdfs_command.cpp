@@ -2,12 +2,26 @@
 
 #include "hosts/command/command_module.h"
 #include "hosts/command/hdfs_actions.h"
+#include "hosts/command/hdfs_winhttp_watch.h"
 #include "hosts/command/hdfs_wininet_watch.h"
 #include "hosts/command/json_text.h"
+#include "hosts/command/talk.h"
+#include "platform/name_overrides.h"
 #include "platform/standard_streams.h"
 
 namespace velandoc {
 namespace {
+
+/// False, with the reason told, where the names are not the program's business.
+bool ApplyNames(const HdfsOptions& options) {
+  std::string list;
+  for (const std::string& word : options.resolve) list += (list.empty() ? "" : ",") + word;
+  if (list.empty() || OverrideNames(list.c_str())) return true;
+  Talk(
+      "--resolve: here names are looked up by the system alone: write the addresses into its "
+      "hosts file");
+  return false;
+}
 
 int Run(const HdfsRun& run) {
   switch (run.Hdfs().action) {
@@ -50,9 +64,12 @@ int HdfsRun::Fail(const HdfsFailure& failure) const {
 }
 
 int RunHdfs(const Options& options) {
+  if (!ApplyNames(options.hdfs)) return kExitUsage;
   const CommandModule module;
   HdfsWinInetWatch wininet(CurrentPort<WinInet>(), !options.hdfs.checksCertificates);
   const PortScope<WinInet> wininetScope(wininet);
+  HdfsWinHttpWatch winhttp(CurrentPort<WinHttp>(), !options.hdfs.checksCertificates);
+  const PortScope<WinHttp> winhttpScope(winhttp);
   NameNodes nodes(options.hdfs.nodes);
   HdfsCaller caller(options.hdfs, nodes);
   int exitCode = kExitFailure;

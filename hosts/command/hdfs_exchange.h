@@ -4,9 +4,10 @@
 #include <atomic>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "platform/com.h"
+#include "platform/text.h"
 
 namespace velandoc {
 
@@ -29,11 +30,54 @@ struct TransferCount {
   std::atomic<std::uint64_t> bytes{0};
 };
 
-/// What the calling thread's requests have been since `exchanges` was emptied.
-struct HdfsExchangeLog {
-  std::vector<HdfsExchange> exchanges;
-  TransferCount* count = nullptr;  // counts the bodies of files if there is one
+/// What the requests of one thread have been since the log was cleared. Written by the watches over
+/// the ports, whose handles belong to the thread that made them.
+class HdfsExchangeLog {
+ public:
+  using Handle = void*;
+
+  /// A request that is still open and is read on is not known any more.
+  void Clear() { m_exchanges.clear(); }
+  const std::vector<HdfsExchange>& Exchanges() const { return m_exchanges; }
+
+  /// Where the bytes of files are counted; null for nowhere.
+  void CountInto(TransferCount* count) { m_count = count; }
+  TransferCount* Count() const { return m_count; }
+
+  /// The server of the request that is opened next.
+  void Connect(std::string host, unsigned port);
+  /// `url` is the request's own, and empty if the platform does not say. A null handle is a request
+  /// that could not be opened, for `error`.
+  void Open(Handle request, std::string verb, WideString url, DWORD error);
+  /// The end of a send, or of the wait for its answer: `status` for a success, else `error`. `url`
+  /// is the one that the request has by then.
+  void Answer(Handle request, int status, DWORD error, const WideString& url);
+  /// What failed behind an answer or before one was waited for.
+  void Fail(Handle request, DWORD error);
+  void Read(Handle request, const void* bytes, std::size_t count);
+  void Write(std::size_t count);
+  void Close(Handle request);
+
+  /// Of the calling thread.
+  static HdfsExchangeLog& OfThread();
+
+ private:
+  struct OpenRequest {
+    Handle handle;
+    std::size_t exchange;
+    WideString url;
+  };
+  const OpenRequest* FindRequest(Handle request) const;
+  HdfsExchange* Find(Handle request);
+
+  std::vector<HdfsExchange> m_exchanges;
+  std::vector<OpenRequest> m_requests;
+  std::string m_host;
+  unsigned m_port = 0;
+  TransferCount* m_count = nullptr;
 };
-HdfsExchangeLog& ThreadExchangeLog();
+
+/// The number that a platform gives a status as.
+int StatusNumber(WideView digits);
 
 }  // namespace velandoc

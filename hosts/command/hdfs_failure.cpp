@@ -7,6 +7,7 @@
 namespace velandoc {
 namespace {
 
+constexpr int kStatusRedirect = 307;
 constexpr int kStatusUnauthorized = 401;
 constexpr int kStatusNotFound = 404;
 constexpr int kStatusProxyAuthentication = 407;
@@ -24,6 +25,7 @@ std::string StatusText(const HdfsFailure& failure, const HdfsExchange& exchange,
     const std::string message = FirstLine(failure.exception->message);
     return message.empty() ? text : text + ": " + message;
   }
+  if (exchange.status == kStatusRedirect) return text + ": it names no data node";
   if (exchange.status == kStatusUnauthorized) return text + ": it wants another login";
   if (exchange.status == kStatusProxyAuthentication) return text + ": the proxy wants a login";
   const std::string word = FindServerWord(exchange.answer);

@@ -119,7 +119,7 @@ int FetchAll(const HdfsRun& run, const std::vector<Job>& jobs, bool isTree) {
       total += jobs[i].length;
     }
   }
-  ThreadExchangeLog().count = &run.progress.Count();
+  HdfsExchangeLog::OfThread().CountInto(&run.progress.Count());
   run.progress.Begin(total, isTree ? std::to_string(jobs.size()) + " files" : jobs[0].remote);
   RunOnThreads(jobs.size(), run.Hdfs().jobs, [&](std::size_t i) {
     TransferResult& result = results[i];

@@ -29,6 +29,15 @@ std::optional<std::string> FindPermissionProblem(const std::string& permission) 
   return Quoted(permission) + " are no permissions: type three digits from 0 to 7, such as 644";
 }
 
+std::optional<std::string> FindResolveProblem(const std::string& word) {
+  const std::size_t equals = word.find('=');
+  const bool good = equals != word.npos && equals != 0 && equals + 1 != word.size() &&
+                    word.find_first_of(", \t=", equals + 1) == word.npos &&
+                    word.find_first_of(", \t") == word.npos;
+  if (good) return std::nullopt;
+  return Quoted(word) + " gives no name an address: type NAME=ADDRESS";
+}
+
 std::optional<std::string> ReadPath(std::string& path) {
   if (auto problem = FindPathProblem(path)) return problem;
   path = CleanPath(path);
@@ -42,8 +51,12 @@ std::optional<std::string> FinishHdfsOptions(HdfsOptions& options) {
     return "no name node is named: type --base-url URL or set VELANDOC_HDFS_URL";
   }
   if (auto problem = ReadNameNodes(options.baseUrl, options.nodes)) return problem;
+  options.stack = options.stackWord == "winhttp" ? HdfsStack::kWinHttp : HdfsStack::kWinInet;
   if (auto problem = FindUserProblem(options.user)) return problem;
   if (auto problem = FindPermissionProblem(options.permission)) return problem;
+  for (const std::string& word : options.resolve) {
+    if (auto problem = FindResolveProblem(word)) return problem;
+  }
   if (!IsUtf8(options.local)) return "a local path must be UTF-8 text";
   if (options.action == HdfsAction::kVerify) return std::nullopt;
   options.intoFolder = options.remote.ends_with('/');
@@ -52,6 +65,10 @@ std::optional<std::string> FinishHdfsOptions(HdfsOptions& options) {
                        options.action == HdfsAction::kMove ||
                        options.action == HdfsAction::kMakeFolder;
   if (changes && options.remote == "/") return "the root folder is there and stays there";
+  if (options.action == HdfsAction::kMakeFolder && options.stack == HdfsStack::kWinHttp) {
+    return "over WinHTTP the component asks for a folder in a way that servers refuse: type "
+           "--stack wininet";
+  }
   if (options.action != HdfsAction::kMove) return std::nullopt;
   if (auto problem = ReadPath(options.destination)) return problem;
   return FindRenameProblem(options.destination, options.stack);

@@ -23,7 +23,7 @@ enum class HdfsAction {
 };
 
 /// Which of the component's two clients is used.
-enum class HdfsStack { kWinInet };
+enum class HdfsStack { kWinInet, kWinHttp };
 
 struct HdfsOptions {
   HdfsAction action = HdfsAction::kGet;
@@ -36,7 +36,7 @@ struct HdfsOptions {
   HdfsStack stack = HdfsStack::kWinInet;
   bool checksCertificates = true;
   bool quiet = false;
-  std::vector<std::string> resolve;  // NAME=ADDRESS, as typed
+  std::vector<std::string> resolve;  // NAME=ADDRESS[:PORT], as typed
 
   // Of some.
   std::string remote;       // clean: it begins with a "/", has no empty names and no "/" at its end

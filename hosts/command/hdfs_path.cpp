@@ -47,10 +47,17 @@ std::optional<std::string> FindPathProblem(std::string_view path) {
   return std::nullopt;
 }
 
-std::optional<std::string> FindRenameProblem(std::string_view path, HdfsStack /*stack*/) {
+std::optional<std::string> FindRenameProblem(std::string_view path, HdfsStack stack) {
   for (const OLECHAR unit : WideFromUtf8(path)) {
-    if ((static_cast<char16_t>(unit) & 0xF800) != 0xD800) continue;
-    return Quoted(path) + " holds a letter beyond U+FFFF, which a new name cannot carry";
+    const auto number = static_cast<char16_t>(unit);
+    if (number >= 0x80 && stack == HdfsStack::kWinHttp) {
+      return Quoted(path) +
+             " holds letters that a new name cannot carry over WinHTTP: type "
+             "--stack wininet";
+    }
+    if ((number & 0xF800) == 0xD800) {
+      return Quoted(path) + " holds a letter beyond U+FFFF, which a new name cannot carry";
+    }
   }
   return std::nullopt;
 }

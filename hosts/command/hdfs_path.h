@@ -13,7 +13,8 @@ namespace velandoc {
 std::optional<std::string> FindPathProblem(std::string_view path);
 
 /// Why nothing can be renamed to `path`; nothing if it can. The component sends a new name's
-/// letters one by one, so those beyond the basic plane are lost.
+/// letters one by one, so those beyond the basic plane are lost. Over WinHTTP those beyond ASCII
+/// arrive as others, because they are escaped twice.
 std::optional<std::string> FindRenameProblem(std::string_view path, HdfsStack stack);
 
 /// Without empty names and without a "/" at its end; "/" stays.

@@ -17,7 +17,7 @@ constexpr std::size_t kMarkSize = 3;  // what a preview begins with
 
 /// The second client gives a stream over a refusal too.
 bool IsRefused() {
-  const std::vector<HdfsExchange>& exchanges = ThreadExchangeLog().exchanges;
+  const std::vector<HdfsExchange>& exchanges = HdfsExchangeLog::OfThread().Exchanges();
   return !exchanges.empty() && exchanges.back().status != kStatusOk;
 }
 

@@ -55,7 +55,7 @@ std::optional<HdfsFailure> Send(const HdfsRun& run, const Job& job, const std::s
     return LocalFailure("reading", job.shown, "it may not be read, or another program has it open",
                         kExitLocalFile);
   }
-  const bool begun = ThreadExchangeLog().exchanges.size() > 1;
+  const bool begun = HdfsExchangeLog::OfThread().Exchanges().size() > 1;
   if (!failure) {
     FileStatus status;
     failure = AskStatus(run.caller, path, status);
@@ -136,7 +136,7 @@ int StoreAll(const HdfsRun& run, const std::vector<Job>& jobs, bool isTree) {
       total += jobs[i].length;
     }
   }
-  ThreadExchangeLog().count = &run.progress.Count();
+  HdfsExchangeLog::OfThread().CountInto(&run.progress.Count());
   run.progress.Begin(total, isTree ? std::to_string(jobs.size()) + " files" : jobs[0].remote);
   RunOnThreads(jobs.size(), options.jobs, [&](std::size_t i) {
     TransferResult& result = results[i];
@@ -215,6 +215,12 @@ int PutTree(const HdfsRun& run, const fs::path& folder, const std::string& remot
   Tree tree;
   if (auto failure = Collect(folder, remote, tree)) return run.Fail(*failure);
   if (auto failure = FindExisting(run.caller, tree.files)) return run.Fail(*failure);
+  const bool makesFolders = run.Hdfs().stack == HdfsStack::kWinInet;
+  if (!makesFolders && !tree.emptyFolders.empty()) {
+    run.progress.Say("warning: empty folders are not made over WinHTTP, '" +
+                     VisibleText(tree.emptyFolders.front()) + "' among them");
+    tree.emptyFolders.clear();
+  }
   for (const std::string& empty : tree.emptyFolders) {
     bool done = false;
     if (auto failure = CreateFolder(run.caller, empty, "", done)) return run.Fail(*failure);

@@ -46,7 +46,9 @@ class HdfsWinInetWatch : public WinInet {
   DWORD GetLastError() override;
 
  private:
-  BOOL Sent(HINTERNET request, BOOL result);
+  template <class Result>
+  Result Keep(Result result);
+  BOOL Answered(HINTERNET request, BOOL result);
 
   WinInet& m_below;
   const bool m_ignoresCertificates;

@@ -164,8 +164,14 @@ CLI::App* AddHdfsCommands(CLI::App& app, HdfsOptions& options) {
                    "between them; port 50070 or 50470 without one")
       ->envname("VELANDOC_HDFS_URL");
   hdfs->add_option("--user", options.user, "Who asks, where the cluster takes one's word for it");
-  hdfs->add_option("--stack", options.stackWord, "Which of the component's clients: wininet")
-      ->check(CLI::IsMember({"wininet"}));
+  hdfs->add_option("--stack", options.stackWord,
+                   "Which of the component's clients: wininet or winhttp")
+      ->check(CLI::IsMember({"wininet", "winhttp"}));
+  hdfs->add_option("--resolve", options.resolve,
+                   "NAME=ADDRESS[:PORT]: where a node is whose name cannot be looked up; may be "
+                   "repeated")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   hdfs->add_flag("!--no-check-certificate", options.checksCertificates,
                  "Let every certificate pass");
   hdfs->add_flag("-q,--quiet", options.quiet, "Say nothing but what went wrong");

@@ -21,10 +21,10 @@ void RunOnThreads(std::size_t count, unsigned threads,
   std::atomic<std::size_t> next{0};
   std::mutex mutex;
   std::exception_ptr raised;
-  TransferCount* const bytes = ThreadExchangeLog().count;
+  TransferCount* const bytes = HdfsExchangeLog::OfThread().Count();
   const auto run = [&] {
     const ComApartment apartment;
-    ThreadExchangeLog().count = bytes;
+    HdfsExchangeLog::OfThread().CountInto(bytes);
     try {
       for (std::size_t i = next++; i < count; i = next++) work(i);
     } catch (...) {

@@ -25,6 +25,9 @@ class SystemWinHttp final : public WinHttp {
   BOOL WinHttpSetOption(HINTERNET handle, DWORD option, LPVOID buffer, DWORD size) override {
     return ::WinHttpSetOption(handle, option, buffer, size);
   }
+  BOOL WinHttpQueryOption(HINTERNET handle, DWORD option, LPVOID buffer, DWORD* size) override {
+    return ::WinHttpQueryOption(handle, option, buffer, size);
+  }
   BOOL WinHttpSetCredentials(HINTERNET request, DWORD target, DWORD scheme, LPCWSTR userName,
                              LPCWSTR password, LPVOID parameters) override {
     return ::WinHttpSetCredentials(request, target, scheme, userName, password, parameters);

@@ -52,6 +52,10 @@ std::string RawHeaders(std::string first, const HeaderBlock& headers, std::strin
 
 }  // namespace
 
+DWORD GiveUrl(const HttpRequest& request, LPVOID buffer, DWORD* size) {
+  return size != nullptr ? StoreText(request.Url(), buffer, size) : ERROR_INVALID_PARAMETER;
+}
+
 DWORD QueryInfo(const HttpRequest& request, DWORD infoLevel, LPCWSTR name, LPVOID buffer,
                 DWORD* size, DWORD* index) {
   if (size == nullptr) return ERROR_INVALID_PARAMETER;

@@ -6,6 +6,7 @@
 
 #include "platform/posix/http/ascii_case.h"
 #include "platform/posix/http/error_map.h"
+#include "platform/posix/http/name_override.h"
 
 namespace velandoc::http {
 namespace {
@@ -98,6 +99,11 @@ void Transfer::SetOptions(const TransferPlan& plan) {
     m_negotiates = plan.proxy->isHttp && (plan.server.secure || plan.proxy->HasLogin());
   } else {
     curl_easy_setopt(m_easy, CURLOPT_PROXY, "");
+    // Through a proxy it is the proxy that looks names up.
+    if (const auto connectTo = ConnectToText(plan.server.host)) {
+      m_connectTo.Append(connectTo->c_str());
+      curl_easy_setopt(m_easy, CURLOPT_CONNECT_TO, m_connectTo.Get());
+    }
   }
   if (plan.proxyLogin) {
     curl_easy_setopt(m_easy, CURLOPT_PROXYUSERNAME, plan.proxyLogin->user.c_str());

@@ -138,6 +138,7 @@ class Transfer {
   // In front of the easy handle, which refers to them until it is reset.
   HeaderList m_headerList;
   HeaderList m_proxyHeaderList;
+  HeaderList m_connectTo;
   EasyHandle m_handle;
   CURL* m_easy;  // m_handle's
   bool m_done = false;

@@ -86,6 +86,13 @@ class CurlWinHttp final : public WinHttp {
     });
   }
 
+  BOOL WinHttpQueryOption(HINTERNET handle, DWORD option, LPVOID buffer, DWORD* size) override {
+    return OnRequest(handle, [&](Request& request) {
+      if (option != WINHTTP_OPTION_URL) return DWORD{ERROR_WINHTTP_INVALID_OPTION};
+      return GiveUrl(request, buffer, size);
+    });
+  }
+
   BOOL WinHttpSetCredentials(HINTERNET handle, DWORD target, DWORD scheme, LPCWSTR userName,
                              LPCWSTR password, LPVOID) override {
     return OnRequest(handle, [&](Request& request) {

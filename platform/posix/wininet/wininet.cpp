@@ -16,18 +16,6 @@ namespace {
 using namespace http;
 using namespace wininet;
 
-/// Null-ended, into a buffer of `*size` bytes; `*size` is then the text's length in bytes without
-/// the terminator, or with it if there is no room.
-DWORD GiveText(std::string_view text, LPVOID buffer, DWORD* size) {
-  const WideString wide = FromAnsiBytes(text);
-  const std::size_t needed = (wide.size() + 1) * sizeof(OLECHAR);
-  const bool fits = buffer != nullptr && *size >= needed;
-  *size = static_cast<DWORD>(fits ? needed - sizeof(OLECHAR) : needed);
-  if (!fits) return ERROR_INSUFFICIENT_BUFFER;
-  std::memcpy(buffer, wide.c_str(), needed);
-  return ERROR_SUCCESS;
-}
-
 class CurlWinInet final : public WinInet {
  public:
   HINTERNET InternetOpenW(LPCWSTR agent, DWORD accessType, LPCWSTR, LPCWSTR, DWORD) override {
@@ -138,9 +126,9 @@ class CurlWinInet final : public WinInet {
 
   BOOL InternetQueryOptionW(HINTERNET handle, DWORD option, LPVOID buffer, DWORD* size) override {
     return WithRequest<Request>(handle, [&](Request& request) {
-      if (size == nullptr) return ERROR_INVALID_PARAMETER;
-      if (option == INTERNET_OPTION_URL) return GiveText(request.Url(), buffer, size);
+      if (option == INTERNET_OPTION_URL) return GiveUrl(request, buffer, size);
       if (option != INTERNET_OPTION_SECURITY_FLAGS) return ERROR_INTERNET_INVALID_OPTION;
+      if (size == nullptr) return ERROR_INVALID_PARAMETER;
       const bool fits = buffer != nullptr && *size >= sizeof(DWORD);
       *size = sizeof(DWORD);
       if (!fits) return ERROR_INSUFFICIENT_BUFFER;

@@ -64,8 +64,7 @@ bool IsTalkTerminal() {
   HANDLE handle = GetStdHandle(STD_ERROR_HANDLE);
   DWORD mode = 0;
   // A console of today erases lines once it is told to; an older one refuses that.
-  return GetConsoleMode(handle, &mode) != 0 &&
-         SetConsoleMode(handle, mode | kEscapes) != 0;
+  return GetConsoleMode(handle, &mode) != 0 && SetConsoleMode(handle, mode | kEscapes) != 0;
 }
 
 std::size_t TalkColumns() {

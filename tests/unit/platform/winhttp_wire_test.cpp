@@ -204,6 +204,23 @@ TEST(WinHttpWire, FollowsRedirects) {
   }
 }
 
+TEST(WinHttpWire, TellsWhereARequestStands) {
+  ScriptedPeer peer(Script{ReadRequest(), Send(Answer("307 Again", "Location: /final?a=1\r\n", "")),
+                           ReadRequest(), Send(Answer("200 OK", "", "there")), ReadRequest()});
+  HttpExchange exchange("127.0.0.1", peer.Port(), OLESTR("GET"), OLESTR("/start"));
+  ASSERT_EQ(exchange.Run(), 0U);
+  OLECHAR buffer[256] = {};
+  DWORD size = sizeof buffer;
+  const BOOL told = CurrentPort<WinHttp>().WinHttpQueryOption(exchange.Request(),
+                                                              WINHTTP_OPTION_URL, buffer, &size);
+  // Wine's WinHTTP may not know the option.
+  if (!told && kIsWindows) GTEST_SKIP() << "the platform does not say";
+  ASSERT_TRUE(told);
+  std::string url;
+  for (const OLECHAR unit : WideView(buffer)) url.push_back(static_cast<char>(unit));
+  EXPECT_EQ(url, "http://127.0.0.1:" + std::to_string(peer.Port()) + "/final?a=1");
+}
+
 TEST(WinHttpWire, FollowsToAnotherServer) {
   ScriptedPeer target(Answering(Answer("200 OK", "", "there")));
   ScriptedPeer peer(Answering(Answer(

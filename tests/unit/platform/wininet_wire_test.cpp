@@ -190,6 +190,33 @@ TEST(WinInetWire, FollowsRedirects) {
   }
 }
 
+/// INTERNET_OPTION_URL, or the error in a text.
+std::string UrlOf(const Exchange& exchange) {
+  OLECHAR buffer[256] = {};
+  DWORD size = sizeof buffer;
+  WinInet& port = CurrentPort<WinInet>();
+  if (!port.InternetQueryOptionW(exchange.Request(), INTERNET_OPTION_URL, buffer, &size)) {
+    return "error " + std::to_string(port.GetLastError());
+  }
+  std::string url;
+  for (const OLECHAR unit : WideView(buffer)) url.push_back(static_cast<char>(unit));
+  return url;
+}
+
+TEST(WinInetWire, TellsWhereARequestStands) {
+  ScriptedPeer peer(Script{ReadRequest(), Send(Answer("307 Again", "Location: /final?a=1\r\n", "")),
+                           ReadRequest(), Send(Answer("200 OK", "", "there")), ReadRequest()});
+  Exchange exchange("127.0.0.1", peer.Port(), OLESTR("GET"), OLESTR("/start"));
+  const std::string origin = "http://127.0.0.1:" + std::to_string(peer.Port());
+  EXPECT_EQ(UrlOf(exchange), origin + "/start");
+  ASSERT_EQ(exchange.Send(), 0U);
+  EXPECT_EQ(UrlOf(exchange), origin + "/final?a=1");
+  OLECHAR small[4] = {};
+  DWORD size = sizeof small;
+  EXPECT_FALSE(CurrentPort<WinInet>().InternetQueryOptionW(exchange.Request(), INTERNET_OPTION_URL,
+                                                           small, &size));
+}
+
 TEST(WinInetWire, LeavesRedirectsAloneWhenTold) {
   ScriptedPeer peer(Answering(Answer("307 Again", "Location: http://other.invalid/x?y\r\n", "")));
   Exchange exchange("127.0.0.1", peer.Port(), OLESTR("PUT"), OLESTR("/start"),

@@ -4,6 +4,7 @@
 
 #include "platform/posix/http/challenge.h"
 #include "platform/posix/http/endpoint.h"
+#include "platform/posix/http/name_override.h"
 #include "platform/posix/http/proxy.h"
 #include "platform/posix/wininet/netrc.h"
 #include "tests/support/posix/environment_scope.h"
@@ -48,6 +49,27 @@ TEST(Challenge, PrefersTheStrongerPasswordScheme) {
   EXPECT_EQ(PasswordScheme(CURLAUTH_BASIC | CURLAUTH_DIGEST), CURLAUTH_DIGEST);
   EXPECT_EQ(PasswordScheme(CURLAUTH_BASIC | CURLAUTH_NEGOTIATE), CURLAUTH_BASIC);
   EXPECT_EQ(PasswordScheme(CURLAUTH_NEGOTIATE), 0U);
+}
+
+TEST(NameOverride, FindsTheFirstThatFits) {
+  constexpr char kList[] = "a.test=10.0.0.1,,B.test=[::1]:99,a.test=x,bad,empty=,=y,c=d=e";
+  EXPECT_EQ(FindOverride(kList, "A.TEST"), "10.0.0.1");
+  EXPECT_EQ(FindOverride(kList, "b.test"), "[::1]:99");
+  EXPECT_EQ(FindOverride(kList, "c"), "d=e");
+  for (const char* host : {"bad", "empty", "x.a.test", "test"}) {
+    EXPECT_EQ(FindOverride(kList, host), std::nullopt) << host;
+  }
+  EXPECT_EQ(FindOverride("", "a"), std::nullopt);
+}
+
+TEST(NameOverride, IsWrittenForLibcurl) {
+  EXPECT_EQ(ConnectToText("a"), std::nullopt);
+  const EnvironmentScope list("VELANDOC_RESOLVE", "a=10.0.0.1,b=10.0.0.1:99,c=[::1],d=[::1]:99");
+  EXPECT_EQ(ConnectToText("a"), "::10.0.0.1:");
+  EXPECT_EQ(ConnectToText("b"), "::10.0.0.1:99");
+  EXPECT_EQ(ConnectToText("c"), "::[::1]:");
+  EXPECT_EQ(ConnectToText("d"), "::[::1]:99");
+  EXPECT_EQ(ConnectToText("e"), std::nullopt);
 }
 
 TEST(Netrc, FindsTheFirstEntryOfAHost) {

@@ -12,12 +12,16 @@
 // that exception. For the same reason no method sets the thread's error object.
 #pragma once
 
+#include <list>
+
 #include "fields/field_record.h"
 #include "fields/row_attributes.h"
 #include "frontpage/document_meta.h"
 #include "platform/atl/com_class_factory.h"
 #include "platform/dispatch_impl.h"
 #include "velandoc_idl.h"
+
+struct IHTMLDocument2;
 
 namespace velandoc {
 
@@ -95,9 +99,25 @@ class CClient : public IDispatchImpl<IClient, &IID_IClient, &LIBID_VelandocLib, 
   /// practice false; hosts are built on that.
   STDMETHODIMP HasUnfilledRequiredFields(VARIANT_BOOL* Flag) override;
 
-  /// The dialog for the fields, which this version does not have: E_NOTIMPL, and nothing is
-  /// written.
+  /// Shows the fields in a dialog and, when the user says OK, writes them to the server and takes
+  /// over what the server then has. Always S_OK; the argument is neither written nor tested. With
+  /// no document open the form is empty. Where no dialog can be shown nothing happens.
+  ///
+  /// The row stays as the open read it, so HasUnfilledFields answers afterwards as before.
   STDMETHODIMP EditFields(VARIANT_BOOL* HasUnfilledFields) override;
+
+  // What EditFields is made of.
+
+  /// The page of fields/form_generator.h.
+  WideString BuildFieldsForm() const;
+  /// Reads the controls of the page in the order of the fields. True if no required value is
+  /// missing. At the first that is, the page's own alert has been shown, and `values` ends with it.
+  /// False with empty `values` if there is no document or it has no script. A field whose value the
+  /// page can't tell has no place in `values`, and the places of those behind it are one less.
+  bool ReadFormValues(IHTMLDocument2* document, std::list<WideString>& values) const;
+  /// Writes the values, by place, to the fields' columns, and lays the row that comes back over the
+  /// fields. Nothing changes here if none comes back. Values are not escaped (soap/list_items.h).
+  void UpdateFields(const std::list<WideString>& values);
 
   // For hosts made of the component's own code. Valid until the next open or the end.
 

@@ -38,9 +38,4 @@ STDMETHODIMP CClient::HasUnfilledRequiredFields(VARIANT_BOOL* Flag) {
   return S_OK;
 }
 
-STDMETHODIMP CClient::EditFields(VARIANT_BOOL* /*HasUnfilledFields*/) {
-  AFX_MANAGE_STATE(AfxGetStaticModuleState());
-  return E_NOTIMPL;
-}
-
 }  // namespace velandoc

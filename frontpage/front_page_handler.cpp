@@ -1,11 +1,10 @@
 #include "frontpage/front_page_handler.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "frontpage/front_page_connection.h"
 #include "frontpage/page_reader.h"
-#include "platform/code_page.h"
+#include "platform/ansi_text.h"
 #include "platform/dom.h"
 #include "platform/out_of_memory.h"
 
@@ -14,17 +13,6 @@ namespace {
 
 constexpr WideView kAuthorPath = OLESTR("_vti_bin/_vti_aut/author.dll");
 constexpr WideView kRpcPath = OLESTR("/_vti_bin/shtml.dll/_vti_rpc");
-
-// Empty if it does not convert. A byte gives at most one unit.
-WideString FromAnsi(const NarrowString& bytes) {
-  if (bytes.empty() || bytes.size() > std::numeric_limits<int>::max()) return WideString();
-  const int size = static_cast<int>(bytes.size());
-  WideString wide(bytes.size(), 0);
-  const int count =
-      CurrentPort<CodePage>().MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, wide.data(), size);
-  wide.resize(static_cast<std::size_t>(std::max(count, 0)));
-  return wide;
-}
 
 // The text behind `prefix` of the first match, if there is one.
 void ReadParagraph(IXMLDOMDocument2* document, WideView xpath, WideView prefix, WideString& value) {

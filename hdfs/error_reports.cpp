@@ -1,7 +1,7 @@
 #include "hdfs/error_reports.h"
 
-#include "hdfs/ansi_text.h"
 #include "hdfs/error_texts.h"
+#include "platform/ansi_text.h"
 #include "platform/error_services.h"
 #include "platform/out_of_memory.h"
 #include "platform/resources.h"

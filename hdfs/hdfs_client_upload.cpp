@@ -2,10 +2,10 @@
 // the body goes, and the data node there takes it with a 201.
 #include <array>
 
-#include "hdfs/ansi_text.h"
 #include "hdfs/automation_funnel.h"
 #include "hdfs/hdfs_client.h"
 #include "hdfs/upload_source.h"
+#include "platform/ansi_text.h"
 
 namespace velandoc {
 namespace {

@@ -1,10 +1,10 @@
 // CHdfsClientWinHttp: bodies into local files, as a stream and as text.
-#include "hdfs/ansi_text.h"
 #include "hdfs/automation_funnel.h"
 #include "hdfs/hdfs_client_winhttp.h"
 #include "hdfs/local_download.h"
 #include "hdfs/response_source.h"
 #include "hdfs/response_stream.h"
+#include "platform/ansi_text.h"
 
 namespace velandoc {
 

@@ -1,9 +1,9 @@
 // CHdfsClientWinHttp: a file to the server, in the two steps of WebHDFS. The name node says by a
 // 307 where the body goes, and the data node there takes it with a 201.
-#include "hdfs/ansi_text.h"
 #include "hdfs/automation_funnel.h"
 #include "hdfs/hdfs_client_winhttp.h"
 #include "hdfs/upload_source.h"
+#include "platform/ansi_text.h"
 
 namespace velandoc {
 namespace {

@@ -35,8 +35,9 @@ class FileSystem {
   /// failure. On Linux it is the environment's TMPDIR, else /tmp.
   virtual DWORD GetTempPathW(DWORD capacity, LPWSTR buffer) = 0;
   /// Makes an empty file of a name of its own in `folder`, beginning with the first three
-  /// characters of `prefix`; the path goes to `name`, a buffer of MAX_PATH (260) characters. 0 on
-  /// failure. (The number of the Windows function is always 0.)
+  /// characters of `prefix`, null for none, and ending in ".tmp"; the path goes to `name`, a buffer
+  /// of MAX_PATH (260) characters. 0, with `name` as it was, on failure, on Linux also for an empty
+  /// folder's name. (The number of the Windows function is always 0.)
   virtual UINT GetTempFileNameW(LPCWSTR folder, LPCWSTR prefix, LPWSTR name) = 0;
   /// A stream over the file, which exists, read from its first byte; `mode` is of STGM_*. The
   /// result is the system's, and `*stream` null on failure.

@@ -1,9 +1,17 @@
-// The Shell port: the operations that turn a path into the place that it stands for, under the
-// system's names, with its arguments and results. Sizes are in characters.
+// The Shell port: the operations that turn a path into the place that it stands for, and tell where
+// the user's folders are, under the system's names, with its arguments and results. Sizes are in
+// characters.
 #pragma once
 
 #include "platform/com.h"
 #include "platform/port.h"
+
+#ifdef _WIN32
+// Behind com.h, which includes windows.h.
+#include <shlobj.h>
+#else
+inline constexpr int CSIDL_INTERNET_CACHE = 0x20;
+#endif
 
 namespace velandoc {
 
@@ -30,6 +38,14 @@ class Shell {
   /// On Linux the path of a file below a WebDAV mount has a URL too, and the pseudo share
   /// DavWWWRoot does not become a part of it.
   virtual DWORD DavGetHTTPFromUNCPath(LPCWSTR uncPath, LPWSTR url, DWORD* size) = 0;
+
+  /// The path of one of the user's folders, into a buffer of MAX_PATH (260) characters. FALSE, with
+  /// the buffer as it was or empty, if there is none. `create` makes one that is missing.
+  ///
+  /// Linux has CSIDL_INTERNET_CACHE: XDG_CACHE_HOME of the environment if it is an absolute path,
+  /// else .cache in HOME. It is made, for the user alone, whether asked for or not: a new user has
+  /// none until the first program makes it.
+  virtual BOOL SHGetSpecialFolderPathW(HWND owner, LPWSTR path, int folder, BOOL create) = 0;
 };
 
 template <>

@@ -5,6 +5,7 @@
 
 #include <exception>
 
+#include "platform/mfc/exceptions.h"
 #include "platform/mfc/wnd.h"
 
 class CDialog : public CWnd, private velandoc::DialogEvents {
@@ -33,11 +34,14 @@ class CDialog : public CWnd, private velandoc::DialogEvents {
   /// The window is gone: forgets what belongs to it. Overriders call this one, too.
   virtual void OnDialogGone();
 
-  /// Runs `operation`, called by the port. What it raises is kept for DoModal, and the dialog ends.
+  /// Runs `operation`, called by the port. Of what it raises, a CException is dropped; anything
+  /// else is kept for DoModal, and the dialog ends.
   template <class Operation>
   void Guard(Operation operation) noexcept {
     try {
       operation();
+    } catch (CException* exception) {
+      exception->Delete();
     } catch (...) {
       if (!m_raised) m_raised = std::current_exception();
       EndDialog(-1);

@@ -40,6 +40,7 @@ BOOL CFile::Open(LPCWSTR name, UINT flags) {
 }
 
 void CFile::Write(const void* bytes, UINT count) {
+  if (m_hFile == nullptr) throw new CFileException(ERROR_INVALID_HANDLE);
   FileSystem& files = CurrentPort<FileSystem>();
   if (files.WriteFile(m_hFile, bytes, count)) return;
   throw new CFileException(static_cast<LONG>(files.GetLastError()));

@@ -37,7 +37,7 @@ class CFile {
   /// FALSE if it can't be opened. The three flags together are the one mode there is; FALSE for any
   /// other, too. A file that was open is closed.
   virtual BOOL Open(LPCWSTR name, UINT flags);
-  /// `count` may be 0. Raises CFileException.
+  /// `count` may be 0. Raises CFileException, also if no file is open.
   virtual void Write(const void* bytes, UINT count);
   /// Twice is once. Raises CFileException; the file is closed all the same.
   virtual void Close();

@@ -87,8 +87,9 @@ class PosixFileSystem final : public FileSystem {
 
   UINT GetTempFileNameW(LPCWSTR folder, LPCWSTR prefix, LPWSTR name) override {
     std::string pattern = PathToUtf8(folder);
-    if (pattern.empty() || pattern.back() != '/') pattern += '/';
-    pattern += PathToUtf8(WideView(prefix).substr(0, kPrefixLength)) + "XXXXXX.tmp";
+    if (pattern.empty()) return static_cast<UINT>(FailWith(ERROR_PATH_NOT_FOUND));
+    if (pattern.back() != '/') pattern += '/';
+    pattern += PathToUtf8(ViewOf(prefix).substr(0, kPrefixLength)) + "XXXXXX.tmp";
     constexpr int suffixLength = 4;
     const FileDescriptor file(mkostemps(pattern.data(), suffixLength, O_CLOEXEC));
     if (!file) return static_cast<UINT>(Fail());

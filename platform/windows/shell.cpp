@@ -22,6 +22,9 @@ class SystemShell final : public Shell {
   DWORD DavGetHTTPFromUNCPath(LPCWSTR uncPath, LPWSTR url, DWORD* size) override {
     return ::DavGetHTTPFromUNCPath(uncPath, url, size);
   }
+  BOOL SHGetSpecialFolderPathW(HWND owner, LPWSTR path, int folder, BOOL create) override {
+    return ::SHGetSpecialFolderPathW(owner, path, folder, create);
+  }
 };
 
 }  // namespace

@@ -2,8 +2,11 @@
 // read by its own form; a path of this machine is looked up among the mounts.
 #include "platform/shell.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 
 #include "platform/posix/path_text.h"
 #include "platform/posix/shell/dos_devices.h"
@@ -41,6 +44,17 @@ std::optional<WebDavPlace> PlaceOf(WideView path) {
   return name.front() == '\\' ? PlaceOfUncName(name) : PlaceOfLocalPath(name);
 }
 
+constexpr std::size_t kMaxPath = 260;
+constexpr mode_t kOwnerOnly = 0700;
+
+/// Empty if the environment tells none.
+std::string CacheFolder() {
+  const char* const cache = std::getenv("XDG_CACHE_HOME");
+  if (cache != nullptr && *cache == '/') return cache;
+  const char* const home = std::getenv("HOME");
+  return home != nullptr && *home == '/' ? std::string(home) + "/.cache" : std::string();
+}
+
 class PosixShell final : public Shell {
  public:
   int _wsplitpath_s(LPCWSTR path, LPWSTR drive, std::size_t driveSize, LPWSTR folder,
@@ -73,6 +87,13 @@ class PosixShell final : public Shell {
     const auto place = PlaceOf(uncPath);
     if (!place) return ERROR_INVALID_PARAMETER;
     return Store(PathFromUtf8(place->Url()), url, size, ERROR_INSUFFICIENT_BUFFER);
+  }
+
+  BOOL SHGetSpecialFolderPathW(HWND, LPWSTR path, int folder, BOOL) override {
+    const std::string name = folder == CSIDL_INTERNET_CACHE ? CacheFolder() : std::string();
+    if (name.empty()) return FALSE;
+    if (mkdir(name.c_str(), kOwnerOnly) != 0 && errno != EEXIST) return FALSE;
+    return StorePart(PathFromUtf8(name), path, kMaxPath) ? TRUE : FALSE;
   }
 };
 

@@ -332,6 +332,7 @@ class FixedShell final : public Shell {
     std::copy(url.begin(), url.end(), buffer);
     return url.empty() ? 87 : 0;
   }
+  BOOL SHGetSpecialFolderPathW(HWND, LPWSTR, int, BOOL) override { return FALSE; }
   WideString url;
 };
 

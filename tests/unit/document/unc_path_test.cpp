@@ -38,6 +38,7 @@ class ScriptedShell final : public Shell {
     Note("DavGetHTTPFromUNCPath", uncPath, url, *size);
     return Play(urls, uncPath, url, size);
   }
+  BOOL SHGetSpecialFolderPathW(HWND, LPWSTR, int, BOOL) override { return FALSE; }
 
   std::map<WideString, WideString> drives;
   std::map<WideString, WideString> urls;

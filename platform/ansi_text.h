@@ -1,4 +1,4 @@
-// Text of a server's answer that nothing is known of.
+// Text of which nothing is known but its bytes.
 #pragma once
 
 #include "platform/text.h"

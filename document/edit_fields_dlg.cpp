@@ -48,9 +48,9 @@ const AFX_MSGMAP* CEditFieldsDlg::GetMessageMap() const {
 std::span<const DHtmlEventMapEntry> CEditFieldsDlg::GetDHtmlEventMap() {
   static const DHtmlEventMapEntry entries[] = {
       {DHTMLEVENTMAPENTRY_NAME, DISPID_CLICK, OLESTR("ButtonOK"),
-       static_cast<DHEVTFUNC>(&CEditFieldsDlg::OnButtonOK)},
+       [](CDHtmlEventSink& sink) { return static_cast<CEditFieldsDlg&>(sink).OnButtonOK(); }},
       {DHTMLEVENTMAPENTRY_NAME, DISPID_CLICK, OLESTR("ButtonCancel"),
-       static_cast<DHEVTFUNC>(&CEditFieldsDlg::OnButtonCancel)},
+       [](CDHtmlEventSink& sink) { return static_cast<CEditFieldsDlg&>(sink).OnButtonCancel(); }},
   };
   return entries;
 }

@@ -56,7 +56,7 @@ void CDHtmlDialog::OnElementEvent(const ElementEvent& event) noexcept {
   Guard([&] {
     for (const DHtmlEventMapEntry& entry : GetDHtmlEventMap()) {
       if (entry.dispId != event.event || ViewOf(entry.szName) != ViewOf(event.element)) continue;
-      static_cast<void>((this->*entry.pfnEventFunc)());
+      static_cast<void>(entry.pfnEventFunc(*this));
       return;
     }
   });

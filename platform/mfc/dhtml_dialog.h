@@ -23,7 +23,9 @@ class CDHtmlSinkHandler {
 };
 
 class CDHtmlEventSink;
-using DHEVTFUNC = HRESULT (CDHtmlEventSink::*)();
+/// Calls the handler of the class that the map belongs to. Not a pointer to a member, which would
+/// have to be turned into one of the base in the middle of the object.
+using DHEVTFUNC = HRESULT (*)(CDHtmlEventSink&);
 
 enum DHtmlEventMapEntryType {
   DHTMLEVENTMAPENTRY_NAME,  // an event of the element whose id is szName

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -30,6 +31,11 @@ class MemoryFileSystem final : public FileSystem {
   /// The handle and the mode of the latest stream that was asked for.
   WideString streamName;
   DWORD streamMode = 0;
+  /// What a temporary file is asked for with; a prefix that is nothing stands for null.
+  WideString expectedFolder = kFolder;
+  std::optional<WideString> expectedPrefix = OLESTR("hdfs");
+  /// The name that a temporary file gets.
+  WideString temporaryName = kRandomName;
 
   HANDLE CreateFileExclusive(LPCWSTR name) override {
     if (Fails("CreateFileExclusive")) return nullptr;
@@ -66,11 +72,10 @@ class MemoryFileSystem final : public FileSystem {
   }
   UINT GetTempFileNameW(LPCWSTR folder, LPCWSTR prefix, LPWSTR name) override {
     if (Fails("GetTempFileNameW")) return 0;
-    EXPECT_EQ(WideView(folder), kFolder);
-    EXPECT_EQ(WideView(prefix), OLESTR("hdfs"));
-    const WideView made = kRandomName;
-    files[WideString(made)];
-    *std::copy(made.begin(), made.end(), name) = 0;
+    EXPECT_EQ(WideView(folder), expectedFolder);
+    EXPECT_EQ(prefix != nullptr ? std::optional<WideString>(prefix) : std::nullopt, expectedPrefix);
+    files[temporaryName];
+    *std::copy(temporaryName.begin(), temporaryName.end(), name) = 0;
     return 1;
   }
   HRESULT SHCreateStreamOnFileEx(LPCWSTR name, DWORD mode, IStream** stream) override {

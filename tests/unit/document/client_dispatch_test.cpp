@@ -4,6 +4,7 @@
 #include "host/exports.h"
 #include "platform/owners.h"
 #include "tests/support/fault_dom.h"
+#include "tests/support/scripted_dialog_host.h"
 #include "tests/support/scripted_wininet.h"
 #include "tests/support/variant_text.h"
 #include "velandoc_idl.h"
@@ -49,7 +50,7 @@ constexpr Member kMembers[] = {
     {OLESTR("HasUnfilledFields"), 20, kMethod, 0, "E_FAIL"},
     {OLESTR("HasFields"), 21, kMethod, 0, "E_FAIL"},
     {OLESTR("HasUnfilledRequiredFields"), 22, kMethod, 0, "E_FAIL"},
-    {OLESTR("EditFields"), 23, kMethod, 0, "E_NOTIMPL"},
+    {OLESTR("EditFields"), 23, kMethod, 0, "BOOL 0"},
 };
 
 class ClientDispatch : public ::testing::Test {
@@ -58,6 +59,7 @@ class ClientDispatch : public ::testing::Test {
     ComPtr<IClassFactory> factory;
     EXPECT_EQ(DllGetClassObject(CLSID_Client, IID_IClassFactory, factory.ReceiveVoid()), S_OK);
     EXPECT_EQ(factory->CreateInstance(nullptr, IID_IDispatch, m_client.ReceiveVoid()), S_OK);
+    m_dialogs.refusal = OLESTR("no windows here");
   }
   std::string Call(const Member& member, WORD kind) {
     VARIANTARG arguments[2];
@@ -87,6 +89,8 @@ class ClientDispatch : public ::testing::Test {
   testing::ComScope m_com;
   testing::ScriptedWinInet m_platform;
   PortScope<WinInet> m_scope{m_platform};
+  testing::ScriptedDialogHost m_dialogs;
+  PortScope<DialogHost> m_dialogsScope{m_dialogs};
   ComPtr<IDispatch> m_client;
 };
 

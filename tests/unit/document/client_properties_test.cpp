@@ -273,14 +273,5 @@ TEST_F(ClientFields, AColumnNamedLikeAnAttributeIsTold) {
   EXPECT_EQ(Flag(&IClient::HasUnfilledRequiredFields), "false");
 }
 
-TEST_F(ClientFields, TheDialogIsNotServed) {
-  EXPECT_EQ(Flag(&IClient::EditFields), "E_NOTIMPL");
-  ASSERT_TRUE(Open());
-  m_platform.calls.clear();
-  EXPECT_EQ(Flag(&IClient::EditFields), "E_NOTIMPL");
-  EXPECT_EQ(m_client->EditFields(nullptr), E_NOTIMPL);
-  EXPECT_TRUE(m_platform.calls.empty());
-}
-
 }  // namespace
 }  // namespace velandoc

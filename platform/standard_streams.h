@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace velandoc {
@@ -28,5 +30,9 @@ void WriteTalk(std::string_view text);
 bool IsTalkTerminal();
 /// How many columns it has; 80 where that is not known.
 std::size_t TalkColumns();
+
+/// A line of the standard input without its end, UTF-8 from a Windows console too. Nothing at the
+/// end of the input or if it can't be read. Any length.
+std::optional<std::string> ReadInputLine();
 
 }  // namespace velandoc

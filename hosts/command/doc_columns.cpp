@@ -1,12 +1,11 @@
 #include "hosts/command/doc_columns.h"
 
+#include "fields/form_generator.h"
 #include "hosts/command/visible_text.h"
 #include "hosts/text_encoding.h"
 
 namespace velandoc {
 namespace {
-
-constexpr WideView kSeparator = OLESTR(";#");
 
 std::string ValueText(const CFieldRecord& field, bool rowArrived) {
   if (!rowArrived) return "not known";
@@ -40,16 +39,8 @@ std::vector<WideString> ValueParts(const CFieldRecord& field) {
     if (!field.m_value.empty()) parts.push_back(field.m_value);
     return parts;
   }
-  WideView rest = field.m_value;
-  while (!rest.empty()) {
-    const std::size_t end = rest.find(kSeparator);
-    const WideView part = rest.substr(0, end);
-    // Servers put a separator in front of the first and behind the last, too.
-    if (!part.empty()) parts.emplace_back(part);
-    if (end == rest.npos) break;
-    rest.remove_prefix(end + kSeparator.size());
-  }
-  return parts;
+  const std::list<WideString> values = SplitMultiValue(field.m_value);
+  return {values.begin(), values.end()};
 }
 
 std::vector<std::vector<std::string>> ColumnRows(const FieldList& fields, bool rowArrived) {

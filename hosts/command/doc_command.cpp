@@ -7,7 +7,7 @@
 namespace velandoc {
 namespace {
 
-int Run(const DocumentSession& session, const Options& options) {
+int Run(DocumentSession& session, const Options& options) {
   switch (options.doc.action) {
     case DocAction::kShow:
       return ShowDocument(session, options);
@@ -19,6 +19,8 @@ int Run(const DocumentSession& session, const Options& options) {
       return ShowFields(session, options);
     case DocAction::kSet:
       return SetColumns(session, options);
+    case DocAction::kEdit:
+      return EditDocument(session, options);
     default:
       return ChangeCheckOut(session, options);
   }

@@ -1,4 +1,4 @@
-// velandoc doc show|meta|status|fields|set|checkout|checkin|undo TARGET
+// velandoc doc show|meta|status|fields|set|edit|checkout|checkin|undo TARGET
 #pragma once
 
 #include "hosts/command/options.h"

@@ -108,6 +108,11 @@ std::optional<std::string> FinishDocOptions(DocOptions& options) {
         }
       }
       break;
+    case DocAction::kEdit:
+      if (options.escape && !options.terminal) {
+        return "--escape goes with --terminal: the dialog sends what is typed as it stands";
+      }
+      break;
     case DocAction::kMeta:
       for (const std::string& word : options.words) {
         if (!IsUtf8(word)) return "the key " + Quoted(word) + " must be UTF-8 text";

@@ -8,7 +8,7 @@
 
 namespace velandoc {
 
-enum class DocAction { kShow, kMeta, kStatus, kFields, kSet, kCheckOut, kCheckIn, kUndo };
+enum class DocAction { kShow, kMeta, kStatus, kFields, kSet, kEdit, kCheckOut, kCheckIn, kUndo };
 
 /// A column and the value that it is to have.
 struct Assignment {
@@ -21,7 +21,8 @@ struct DocOptions {
   std::string target;
   std::vector<std::string> words;       // keys of meta, NAME=VALUE of set, as typed
   std::vector<Assignment> assignments;  // the words of set, taken apart
-  bool escape = false;                  // set: write & and < as references
+  bool escape = false;                  // set and edit: write & and < as references
+  bool terminal = false;                // edit: ask here and show no dialog
   std::string comment;                  // of checkin
   std::string typeWord = "major";       // of checkin, as typed
   int type = 1;                         // the same as the server's number

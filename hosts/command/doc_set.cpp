@@ -6,7 +6,7 @@
 #include "hosts/command/exit_codes.h"
 #include "hosts/command/json_text.h"
 #include "hosts/command/known_columns.h"
-#include "hosts/command/server_word.h"
+#include "hosts/command/row_update.h"
 #include "hosts/command/talk.h"
 #include "hosts/command/visible_text.h"
 #include "hosts/text_encoding.h"
@@ -116,22 +116,6 @@ void WriteResult(const DocumentSession& session, const Options& options, const R
   WriteOutput(options.json ? JsonText(json) : AlignRows(rows));
 }
 
-int TellFailure(const DocumentSession& session, std::size_t firstRecord,
-                const std::string& exception) {
-  const std::string beginning = "cannot write '" + VisibleText(session.Url()) + "': ";
-  if (!exception.empty()) {
-    Talk(beginning + exception);
-    return kExitFailure;
-  }
-  if (session.Records().size() <= firstRecord) {
-    Talk(beginning + "no request could be sent");
-    return kExitFailure;
-  }
-  const ExchangeRecord& last = session.Records().back();
-  Talk(beginning + FailureText(ExplainFailure("UpdateListItems", last, "the answer holds no row")));
-  return IsFault(last.answer) ? kExitNo : kExitFailure;
-}
-
 }  // namespace
 
 int SetColumns(const DocumentSession& session, const Options& options) {
@@ -166,22 +150,13 @@ int SetColumns(const DocumentSession& session, const Options& options) {
 
   const std::size_t firstRecord = session.Records().size();
   RowAttributes row;
-  bool written = false;
   std::string exception;
   DocumentSession::Guard(exception, [&] {
-    written =
-        UpdateListItems(update.fileRef.c_str(), session.WebUrl().c_str(), session.ListId().c_str(),
-                        update.itemId.c_str(), update.names, update.values, row);
+    UpdateListItems(update.fileRef.c_str(), session.WebUrl().c_str(), session.ListId().c_str(),
+                    update.itemId.c_str(), update.names, update.values, row);
   });
-  if (exception.empty() && session.Records().size() > firstRecord) {
-    const UpdateVerdict verdict = FindUpdateVerdict(session.Records().back().answer);
-    if (verdict.refused) {
-      Talk("the server refused the update: " +
-           (verdict.text.empty() ? verdict.code : verdict.text + " (" + verdict.code + ")"));
-      return kExitNo;
-    }
-  }
-  if (!written) return TellFailure(session, firstRecord, exception);
+  const int outcome = ReviewUpdate(session, firstRecord, exception, row);
+  if (outcome != kExitSuccess) return outcome;
   WriteResult(session, options, row);
   TellDifferences(options.doc.assignments, row);
   return kExitSuccess;

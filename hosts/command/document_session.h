@@ -44,6 +44,7 @@ class DocumentSession {
   bool RowArrived() const { return !Own().ItemAttributes().empty(); }
 
   const CClient& Own() const { return *m_own; }
+  CClient& Own() { return *m_own; }
   const std::vector<ExchangeRecord>& Records() const { return m_watch.Records(); }
 
   WideString Url() const;

@@ -19,7 +19,7 @@ constexpr char kFooter[] =
     "   0  success; probe: every URL is on a SharePoint server;\n"
     "      doc status: nobody holds the document\n"
     "   1  probe: at least one URL is not; doc, hdfs: the server refused;\n"
-    "      hdfs verify: no name node is active\n"
+    "      hdfs verify: no name node is active; doc edit: cancelled\n"
     "   2  the command line is wrong; nothing was sent\n"
     "   3  the component cannot be created\n"
     "   4  registering or unregistering failed\n"
@@ -40,6 +40,9 @@ constexpr char kTargetHelp[] =
     "The document: its http:// or https:// URL, or its path on a WebDAV share (UNC, mapped drive, "
     "mounted folder)";
 
+constexpr char kEscapeHelp[] =
+    "Write &, < and > as references, which is how an update can carry them";
+
 struct DocCommand {
   const char* name;
   DocAction action;
@@ -51,6 +54,7 @@ constexpr DocCommand kDocCommands[] = {
     {"status", DocAction::kStatus, "Tell who holds it, since when, and whether to check it in"},
     {"fields", DocAction::kFields, "List its columns, their values, and what is missing"},
     {"set", DocAction::kSet, "Write columns of its row"},
+    {"edit", DocAction::kEdit, "Fill in its columns in a dialog"},
     {"checkout", DocAction::kCheckOut, "Check it out"},
     {"checkin", DocAction::kCheckIn, "Check it in"},
     {"undo", DocAction::kUndo, "Give the check-out up, and with it what was changed since"},
@@ -69,8 +73,11 @@ CLI::App* AddDocCommands(CLI::App& app, DocOptions& options) {
     } else if (row.action == DocAction::kSet) {
       command->add_option("ASSIGNMENT", options.words, "NAME=VALUE; without a VALUE to empty it")
           ->required();
-      command->add_flag("--escape", options.escape,
-                        "Write &, < and > as references, which is how an update can carry them");
+      command->add_flag("--escape", options.escape, kEscapeHelp);
+    } else if (row.action == DocAction::kEdit) {
+      command->add_flag("--terminal", options.terminal,
+                        "Ask for one column after the other on the terminal, without a dialog");
+      command->add_flag("--escape", options.escape, kEscapeHelp);
     } else if (row.action == DocAction::kCheckIn) {
       command->add_option("--comment", options.comment, "The comment of the version");
       command->add_option(

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <iostream>
 
 namespace velandoc {
 
@@ -52,6 +53,12 @@ std::size_t TalkColumns() {
   winsize size{};
   const bool known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
   return known ? size.ws_col : kUsual;
+}
+
+std::optional<std::string> ReadInputLine() {
+  std::string line;
+  if (!std::getline(std::cin, line)) return std::nullopt;
+  return line;
 }
 
 }  // namespace velandoc

@@ -3,7 +3,9 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
+#include <iostream>
 
 #include "platform/windows/program/wide_text.h"
 
@@ -23,6 +25,19 @@ bool Write(std::string_view text, DWORD handleName, FILE* stream) {
   DWORD written = 0;
   return WriteConsoleW(handle, wide.data(), static_cast<DWORD>(wide.size()), &written, nullptr) !=
          0;
+}
+
+std::optional<std::string> ReadConsoleLine(HANDLE console) {
+  std::wstring line;
+  while (line.empty() || line.back() != L'\n') {
+    std::array<wchar_t, 256> buffer;
+    DWORD read = 0;
+    if (!ReadConsoleW(console, buffer.data(), buffer.size(), &read, nullptr) || read == 0) {
+      return std::nullopt;
+    }
+    line.append(buffer.data(), read);
+  }
+  return NarrowedText(line);
 }
 
 }  // namespace
@@ -73,6 +88,20 @@ std::size_t TalkColumns() {
   const bool known =
       GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &info) != 0 && info.dwSize.X > 1;
   return known ? static_cast<std::size_t>(info.dwSize.X) : kUsual;
+}
+
+std::optional<std::string> ReadInputLine() {
+  HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+  DWORD mode = 0;
+  std::optional<std::string> line;
+  if (GetConsoleMode(input, &mode)) {
+    line = ReadConsoleLine(input);
+  } else {
+    std::string text;
+    if (std::getline(std::cin, text)) line = std::move(text);
+  }
+  while (line && !line->empty() && (line->back() == '\n' || line->back() == '\r')) line->pop_back();
+  return line;
 }
 
 }  // namespace velandoc

@@ -6,10 +6,8 @@
 #include "platform/com.h"
 #include "platform/port.h"
 
-#ifdef _WIN32
-// Behind com.h, which includes windows.h.
-#include <shlobj.h>
-#else
+// The one number that is needed of shlobj.h, which brings along much of the shell.
+#ifndef CSIDL_INTERNET_CACHE
 inline constexpr int CSIDL_INTERNET_CACHE = 0x20;
 #endif
 

@@ -3,6 +3,7 @@
 
 // Behind com.h, which includes windows.h.
 #include <davclnt.h>
+#include <shlobj.h>
 #include <stdlib.h>
 
 namespace velandoc {

@@ -16,6 +16,7 @@ import support
 from command_cases import *  # noqa: F401,F403
 from doc_cases import *  # noqa: F401,F403
 from hdfs_cases import *  # noqa: F401,F403
+from edit_cases import *  # noqa: F401,F403
 from prompt_cases import *  # noqa: F401,F403
 from script_cases import *  # noqa: F401,F403
 

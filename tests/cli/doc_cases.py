@@ -613,7 +613,7 @@ class Opening(DocCase):
     def test_help(self):
         done = self.run_program(support.command, "doc", "--help")
         self.assertEqual((done.returncode, done.stderr), (0, b""))
-        for word in ("show", "meta", "status", "fields", "set", "checkout", "checkin", "undo"):
+        for word in ("show", "meta", "status", "fields", "set", "edit", "checkout", "checkin", "undo"):
             self.assertIn(word, done.stdout.decode())
         done = self.run_program(support.command, "doc", "set", "--help")
         self.assertEqual((done.returncode, done.stderr), (0, b""))

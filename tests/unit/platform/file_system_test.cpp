@@ -90,6 +90,28 @@ TEST_F(FileSystemTest, TemporaryFilesHaveNamesOfTheirOwn) {
   EXPECT_EQ(m_files.GetTempFileNameW(Path("none").c_str(), OLESTR("hdfs"), names[0].data()), 0U);
 }
 
+TEST_F(FileSystemTest, ATemporaryNameNeedsNoPrefixAndEndsInTmp) {
+  std::array<OLECHAR, 260> name{};
+  ASSERT_NE(m_files.GetTempFileNameW(Path("").c_str(), nullptr, name.data()), 0U);
+  WideString path = name.data();
+  EXPECT_TRUE(path.starts_with(Path("")));
+  for (OLECHAR& unit : path) unit |= 0x20;
+  EXPECT_TRUE(path.ends_with(OLESTR(".tmp")));
+  EXPECT_EQ(std::filesystem::file_size(std::filesystem::path(name.data())), 0U);
+}
+
+TEST_F(FileSystemTest, AFileThatIsNotOpenTakesNothing) {
+  CFile file;
+  EXPECT_FALSE(file.Open(Path("none/a").c_str(), kMode));
+  try {
+    file.Write("abc", 3);
+    ADD_FAILURE() << "nothing was raised";
+  } catch (CFileException* exception) {
+    EXPECT_EQ(exception->m_lOsError, LONG{ERROR_INVALID_HANDLE});
+    exception->Delete();
+  }
+}
+
 TEST(CMemFileTest, GrowsWithWhatIsWritten) {
   CMemFile file;
   std::string expected;

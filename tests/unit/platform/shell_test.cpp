@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 
 #include "platform/text.h"
 
@@ -178,6 +179,13 @@ TEST(ShellTest, ADriveWithoutAShareHasNoRemoteName) {
   EXPECT_NE(CurrentPort<Shell>().WNetGetConnectionW(OLESTR("Z:"), remote, &size),
             DWORD{ERROR_SUCCESS});
   EXPECT_EQ(WideView(remote), OLESTR("k"));
+}
+
+TEST(ShellTest, TheBrowsersCacheIsAFolder) {
+  OLECHAR path[260] = {};
+  ASSERT_TRUE(
+      SystemPort<Shell>().SHGetSpecialFolderPathW(nullptr, path, CSIDL_INTERNET_CACHE, FALSE));
+  EXPECT_TRUE(std::filesystem::is_directory(std::filesystem::path(path)));
 }
 
 }  // namespace

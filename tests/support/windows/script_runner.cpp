@@ -12,6 +12,10 @@ namespace {
 constexpr CLSID kJScript = {
     0xf414c260, 0x6ac0, 0x11cf, {0xb6, 0xd1, 0x00, 0xaa, 0x00, 0xbb, 0xbb, 0x58}};
 
+// The system's import libraries lack this one.
+constexpr IID kParser = {
+    0xc7ef7658, 0xe1ee, 0x480e, {0x97, 0xea, 0xd5, 0x2c, 0xb4, 0xd7, 0x6d, 0x17}};
+
 /// What the engine asks its host for. It outlives the engine, so its count tells nothing.
 class Site final : public IActiveScriptSite {
  public:
@@ -42,7 +46,7 @@ struct ScriptRunner::Engine {
   Engine() {
     Check(CoCreateInstance(kJScript, nullptr, CLSCTX_INPROC_SERVER, IID_IActiveScript,
                            engine.ReceiveVoid()));
-    Check(engine->QueryInterface(IID_IActiveScriptParse64, parser.ReceiveVoid()));
+    Check(engine->QueryInterface(kParser, parser.ReceiveVoid()));
     Check(engine->SetScriptSite(&site));
     Check(parser->InitNew());
     Check(engine->SetScriptState(SCRIPTSTATE_STARTED));

@@ -15,8 +15,8 @@ import support
 # Loaded here for the test loader to find.
 from command_cases import *  # noqa: F401,F403
 from doc_cases import *  # noqa: F401,F403
-from hdfs_cases import *  # noqa: F401,F403
 from edit_cases import *  # noqa: F401,F403
+from hdfs_cases import *  # noqa: F401,F403
 from prompt_cases import *  # noqa: F401,F403
 from script_cases import *  # noqa: F401,F403
 

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -47,14 +48,23 @@ BOOL Fail() { return FailWith(ErrorOf(errno)); }
 /// A file system without locks has nobody to keep out.
 bool Lock(int file) { return flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
 
+/// What can't be emptied (a device, a pipe) fails. A file that is empty is left alone: ext4 brings
+/// one that was cut to nothing to the disk when it is closed, and a new file need not wait for
+/// that.
+bool Empty(int file) {
+  struct stat state {};
+  if (fstat(file, &state) != 0) return false;
+  if (S_ISREG(state.st_mode) && state.st_size == 0) return true;
+  return ftruncate(file, 0) == 0;
+}
+
 class PosixFileSystem final : public FileSystem {
  public:
   HANDLE CreateFileExclusive(LPCWSTR name) override {
-    // Emptied only once the lock is had: a file that somebody else works on stays as it is. What
-    // can't be emptied (a device, a pipe) is refused by that.
+    // Emptied only once the lock is had: a file that somebody else works on stays as it is.
     FileDescriptor file(
         open(PathToUtf8(name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, kNewFileMode));
-    if (!file || !Lock(file.Get()) || ftruncate(file.Get(), 0) != 0) {
+    if (!file || !Lock(file.Get()) || !Empty(file.Get())) {
       Fail();
       return nullptr;
     }

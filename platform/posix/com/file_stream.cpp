@@ -1,4 +1,5 @@
-// A stream over a file. Small writes are gathered; reads are passed on as they come.
+// A stream over a file. Small writes are gathered, and small reads of a stream that only reads are
+// served from a large one ahead of them.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -20,6 +21,8 @@ namespace velandoc {
 namespace {
 
 constexpr std::size_t kBufferSize = 64 * 1024;
+// Few system calls, and still small enough to stay in the processor's cache.
+constexpr std::size_t kAheadSize = 256 * 1024;
 constexpr mode_t kNewFileMode = 0666;  // less the process's mask
 // One call of the system moves at most this much anyway.
 constexpr std::size_t kMaxTransfer = std::size_t{1} << 30;
@@ -96,12 +99,19 @@ class FileStream final : public IStream {
     if (read != nullptr) *read = 0;
     if (buffer == nullptr) return STG_E_INVALIDPOINTER;
     if (const HRESULT result = Flush(); FAILED(result)) return result;
-    ULONG done = 0;
+    auto* const target = static_cast<char*>(buffer);
+    ULONG done = TakeAhead(target, size);
     while (done < size) {
-      const std::size_t wanted = std::min<std::size_t>(size - done, kMaxTransfer);
-      const ssize_t count = ::read(m_file.Get(), static_cast<char*>(buffer) + done, wanted);
-      if (count < 0 && errno == EINTR) continue;
-      if (count < 0) return errno == EBADF ? STG_E_ACCESSDENIED : STG_E_READFAULT;
+      std::size_t count = 0;
+      if (IsReadAhead(size - done)) {
+        const HRESULT result = FillAhead();
+        if (FAILED(result)) return result;
+        count = TakeAhead(target + done, size - done);
+      } else {
+        const std::size_t wanted = std::min<std::size_t>(size - done, kMaxTransfer);
+        const HRESULT result = ReadThrough(target + done, wanted, count);
+        if (FAILED(result)) return result;
+      }
       if (count == 0) break;
       done += static_cast<ULONG>(count);
     }
@@ -137,8 +147,12 @@ class FileStream final : public IStream {
     constexpr int kOrigins[] = {SEEK_SET, SEEK_CUR, SEEK_END};
     if (origin > STREAM_SEEK_END) return STG_E_INVALIDFUNCTION;
     if (const HRESULT result = Flush(); FAILED(result)) return result;
-    const off_t reached = lseek(m_file.Get(), move.QuadPart, kOrigins[origin]);
+    // The file stands behind what was read ahead.
+    const auto ahead = static_cast<LONGLONG>(m_aheadEnd - m_aheadBegin);
+    const LONGLONG distance = origin == STREAM_SEEK_CUR ? move.QuadPart - ahead : move.QuadPart;
+    const off_t reached = lseek(m_file.Get(), distance, kOrigins[origin]);
     if (reached < 0) return STG_E_SEEKERROR;
+    m_aheadBegin = m_aheadEnd = 0;
     if (position != nullptr) position->QuadPart = static_cast<ULONGLONG>(reached);
     return S_OK;
   }
@@ -228,6 +242,38 @@ class FileStream final : public IStream {
     return result;
   }
 
+  /// Of a stream that can write, its own writes would have to show in what was read ahead.
+  bool IsReadAhead(std::size_t size) const {
+    return size < kAheadSize && (m_mode & (STGM_WRITE | STGM_READWRITE)) == 0;
+  }
+
+  ULONG TakeAhead(char* buffer, ULONG size) {
+    const auto count = static_cast<ULONG>(std::min<std::size_t>(size, m_aheadEnd - m_aheadBegin));
+    if (count == 0) return 0;
+    std::memcpy(buffer, m_ahead.get() + m_aheadBegin, count);
+    m_aheadBegin += count;
+    return count;
+  }
+
+  /// Once all that was read ahead is taken.
+  HRESULT FillAhead() {
+    if (m_ahead == nullptr) m_ahead.reset(new (std::nothrow) char[kAheadSize]);
+    if (m_ahead == nullptr) return E_OUTOFMEMORY;
+    m_aheadBegin = m_aheadEnd = 0;
+    return ReadThrough(m_ahead.get(), kAheadSize, m_aheadEnd);
+  }
+
+  /// What one call of the system gives; 0 at the end.
+  HRESULT ReadThrough(char* buffer, std::size_t size, std::size_t& done) {
+    ssize_t count = 0;
+    do {
+      count = ::read(m_file.Get(), buffer, size);
+    } while (count < 0 && errno == EINTR);
+    done = count > 0 ? static_cast<std::size_t>(count) : 0;
+    if (count >= 0) return S_OK;
+    return errno == EBADF ? STG_E_ACCESSDENIED : STG_E_READFAULT;
+  }
+
   HRESULT WriteThrough(const char* bytes, ULONG size, ULONG& done) {
     while (done < size) {
       const std::size_t wanted = std::min<std::size_t>(size - done, kMaxTransfer);
@@ -245,6 +291,9 @@ class FileStream final : public IStream {
   WideString m_name;
   std::unique_ptr<char[]> m_buffer;  // kBufferSize bytes, made by the first small write
   std::size_t m_gathered = 0;
+  std::unique_ptr<char[]> m_ahead;  // kAheadSize bytes, made by the first small read
+  std::size_t m_aheadBegin = 0;
+  std::size_t m_aheadEnd = 0;
 };
 
 /// The flags of open() for a mode; false for a mode that file streams don't have.

@@ -65,7 +65,7 @@ class HeaderList {
 
 class Transfer {
  public:
-  static constexpr std::size_t kBufferedBytes = 64 * 1024;
+  static constexpr std::size_t kBufferedBytes = 256 * 1024;
 
   /// Builds the request; nothing is sent yet.
   explicit Transfer(const TransferPlan& plan);

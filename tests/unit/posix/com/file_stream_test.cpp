@@ -137,6 +137,40 @@ TEST_F(FileStreamTest, ReadsWritesAndSeeks) {
   EXPECT_EQ(Content("file"), "0123");
 }
 
+TEST_F(FileStreamTest, ReadsAheadWithoutShowingIt) {
+  std::string content(900001, '\0');
+  for (std::size_t i = 0; i < content.size(); ++i) content[i] = static_cast<char>(i % 251);
+  Make("file", content);
+  ComPtr<IStream> stream;
+  ASSERT_EQ(Open("file", STGM_READ | STGM_SHARE_DENY_WRITE, FALSE, stream), S_OK);
+  std::string found;
+  std::string piece(400000, '\0');
+  // Around the size of what is read ahead, and larger ones between small ones.
+  for (const ULONG size : {1U, 8192U, 400000U, 3U, 65535U, 262144U, 65537U, 8192U, 400000U, 1U}) {
+    ULONG read = 0;
+    ASSERT_EQ(stream->Read(piece.data(), size, &read), S_OK);
+    found.append(piece, 0, read);
+    LARGE_INTEGER none{};
+    ULARGE_INTEGER position{};
+    if (size != 8192) continue;  // asking for the position drops what was read ahead
+    EXPECT_EQ(stream->Seek(none, STREAM_SEEK_CUR, &position), S_OK);
+    EXPECT_EQ(position.QuadPart, found.size());
+  }
+  EXPECT_TRUE(found == content);
+  LARGE_INTEGER move{};
+  move.QuadPart = -3;
+  EXPECT_EQ(stream->Seek(move, STREAM_SEEK_END, nullptr), S_OK);
+  ULONG read = 0;
+  EXPECT_EQ(stream->Read(piece.data(), 2, &read), S_OK);
+  move.QuadPart = -1;
+  EXPECT_EQ(stream->Seek(move, STREAM_SEEK_CUR, nullptr), S_OK);
+  EXPECT_EQ(stream->Read(piece.data() + 2, 9, &read), S_OK);
+  EXPECT_EQ(piece.substr(0, 2 + read),
+            content.substr(content.size() - 3, 2) + content.substr(content.size() - 2));
+  move.QuadPart = -1;
+  EXPECT_EQ(stream->Seek(move, STREAM_SEEK_SET, nullptr), STG_E_SEEKERROR);
+}
+
 TEST_F(FileStreamTest, KeepsToItsAccessMode) {
   Make("file", "text");
   ComPtr<IStream> stream;

@@ -14,6 +14,14 @@ constexpr long kMaxIdleConnections = 16;
 // Easy handles kept for reuse: making one costs more than all the options of a request.
 constexpr std::size_t kMaxIdleEasy = 4;
 
+/// Older releases of libcurl keep a pointer to the latest header of a handle's transfer beyond the
+/// transfer, and follow it if the next one's first header line begins with a blank.
+bool MayReuseEasy() {
+  constexpr unsigned kMended = 0x080200;
+  static const bool isMended = curl_version_info(CURLVERSION_NOW)->version_num >= kMended;
+  return isMended;
+}
+
 using Pools = std::map<DWORD, std::shared_ptr<ConnectionPool>>;
 
 Pools& ThreadPools() {
@@ -69,7 +77,7 @@ CURL* ConnectionPool::TakeEasy() {
 }
 
 void ConnectionPool::GiveBackEasy(CURL* easy) {
-  if (m_idle.size() >= kMaxIdleEasy) {
+  if (m_idle.size() >= kMaxIdleEasy || !MayReuseEasy()) {
     curl_easy_cleanup(easy);
     return;
   }

@@ -1,5 +1,5 @@
-// What lives below the handles and outlasts them: sockets, TLS sessions and easy handles, kept for
-// each thread.
+// What lives below the handles and outlasts them: sockets, TLS sessions and, where libcurl is of a
+// release that is fit for it, easy handles, kept for each thread.
 //
 // A fresh session, connection and request then find the socket of the one before. A thread has one
 // pool for each set of certificate problems that its requests let pass, so a connection made under

@@ -206,7 +206,7 @@ void Transfer::TakeHeaderLine(std::string_view line) {
   if (m_headIsFinal) return;
   const bool folded = line.starts_with(' ') || line.starts_with('\t');
   const std::string_view text = TrimBlanks(line.substr(0, line.find('\n')));
-  if (line.starts_with("HTTP/")) {
+  if (line.starts_with("HTTP/") && (m_head.statusLine.empty() || m_headBlockComplete)) {
     m_head.SetStatusLine(text);
     m_headBlockComplete = false;
     return;
@@ -231,6 +231,8 @@ void Transfer::TakeHeaderLine(std::string_view line) {
 
 std::size_t Transfer::TakeBody(const char* data, std::size_t size) {
   m_moved = true;
+  // libcurl takes a first line that no status can be read from for an answer's, too.
+  if (!m_headBlockComplete) return 0;
   m_headIsFinal = true;
   m_bodyTaken += size;
   if (m_discard) {
@@ -326,6 +328,7 @@ void Transfer::Finish(CURLcode result) {
   curl_easy_getinfo(m_easy, CURLINFO_OS_ERRNO, &reason);
   m_error = ErrorOf(result, reason);
   if (m_headIsFinal) return;
+  if (result == CURLE_WRITE_ERROR) m_error = ERROR_HTTP_INVALID_SERVER_RESPONSE;
   if (const DWORD problem = m_certificate->FirstProblem(); problem != ERROR_SUCCESS) {
     m_error = problem;
   } else if (m_certificate->clientCertificateWanted && result != CURLE_OPERATION_TIMEDOUT) {

@@ -13,6 +13,7 @@ class FaultCodePage : public CodePage {
   FaultCodePage(CodePage& below, int failAt) : m_below(below), m_failAt(failAt) {}
 
   int Count() const { return m_count; }
+  bool Failed() const { return m_failAt != 0 && m_count >= m_failAt; }
 
   int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR wide, int size, LPSTR bytes,
                           int capacity, LPCSTR defaultChar, BOOL* usedDefaultChar) override {

@@ -37,6 +37,8 @@ class MemoryFileSystem final : public FileSystem {
   /// The name that a temporary file gets.
   WideString temporaryName = kRandomName;
 
+  std::size_t OpenCount() const { return m_open.size(); }
+
   HANDLE CreateFileExclusive(LPCWSTR name) override {
     if (Fails("CreateFileExclusive")) return nullptr;
     files[name].clear();

@@ -12,6 +12,8 @@ constexpr int kStatusOk = 200;
 constexpr unsigned kHttpPort = 80;
 constexpr unsigned kHttpsPort = 443;
 
+thread_local HdfsExchangeLog* t_log = nullptr;
+
 /// Host and port of "http://host:port/...".
 void TakeEndpoint(WideView url, HdfsExchange& exchange) {
   const std::string text = Utf8FromWide(url);
@@ -40,9 +42,13 @@ int StatusNumber(WideView digits) {
 }
 
 HdfsExchangeLog& HdfsExchangeLog::OfThread() {
-  thread_local HdfsExchangeLog log;
-  return log;
+  static HdfsExchangeLog first;
+  return t_log != nullptr ? *t_log : first;
 }
+
+ThreadExchangeLog::ThreadExchangeLog() : m_previous(t_log) { t_log = &m_log; }
+
+ThreadExchangeLog::~ThreadExchangeLog() { t_log = m_previous; }
 
 const HdfsExchangeLog::OpenRequest* HdfsExchangeLog::FindRequest(Handle request) const {
   const auto found =

@@ -58,7 +58,8 @@ class HdfsExchangeLog {
   void Write(std::size_t count);
   void Close(Handle request);
 
-  /// Of the calling thread.
+  /// Of the calling thread: its own for as long as a ThreadExchangeLog stands. Of the threads
+  /// without one only the first may make requests.
   static HdfsExchangeLog& OfThread();
 
  private:
@@ -75,6 +76,20 @@ class HdfsExchangeLog {
   std::string m_host;
   unsigned m_port = 0;
   TransferCount* m_count = nullptr;
+};
+
+/// A log of its own for the thread that lives in this scope. (No object of the thread's storage:
+/// the Windows compiler frees that before it ends what lies in it.)
+class ThreadExchangeLog {
+ public:
+  ThreadExchangeLog();
+  ~ThreadExchangeLog();
+  ThreadExchangeLog(const ThreadExchangeLog&) = delete;
+  ThreadExchangeLog& operator=(const ThreadExchangeLog&) = delete;
+
+ private:
+  HdfsExchangeLog m_log;
+  HdfsExchangeLog* m_previous;
 };
 
 /// The number that a platform gives a status as.

@@ -224,6 +224,8 @@ ParsedOptions ParseOptions(std::vector<std::string> arguments) {
   app.add_flag("--no-input", options.noInput, "Never ask for a password or about a certificate");
   app.require_subcommand(1);
   app.fallthrough();
+  // A path in HDFS begins with what would begin an option, on Windows by the parser's own choice.
+  app.allow_windows_style_options(false);
 
   CLI::App* probe = app.add_subcommand("probe", "Tell whether each URL is on a SharePoint server");
   probe

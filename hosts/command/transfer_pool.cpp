@@ -24,6 +24,7 @@ void RunOnThreads(std::size_t count, unsigned threads,
   TransferCount* const bytes = HdfsExchangeLog::OfThread().Count();
   const auto run = [&] {
     const ComApartment apartment;
+    const ThreadExchangeLog log;
     HdfsExchangeLog::OfThread().CountInto(bytes);
     try {
       for (std::size_t i = next++; i < count; i = next++) work(i);

@@ -212,6 +212,40 @@ class DocCommand(BothHomes):
                 self.assertEqual(self.compare(2, *arguments).lines, [])
 
 
+class HdfsCommand(BothHomes):
+    """velandoc hdfs in both homes and with both clients: the same lines, the same talk, the same requests."""
+
+    def compare(self, code, stack, *arguments):
+        results, requests = [], []
+        for home in self.homes.values():
+            self.server.command("DELETE", "/hdfs")
+            self.server.prepare(None)
+            results.append(home.run_command("hdfs", "--base-url", "http://nn.example.test:50070", "--user", "bob",
+                                            "--stack", stack, *arguments))
+            requests.append([comparable(record) for record in self.server.log()])
+        self.assertEqual([result.code for result in results], [code, code], results[1].errors)
+        self.assertEqual(results[0].lines, results[1].lines)
+        self.assertEqual(*(result.errors.replace("\r\n", "\n") for result in results))
+        self.assertEqual(*requests)
+        return results[0]
+
+    def test_commands(self):
+        for stack in ("wininet", "winhttp"):
+            with self.subTest(stack=stack):
+                self.assertEqual(self.compare(0, stack, "verify").lines, ["http://nn.example.test:50070: WebHDFS server"])
+                self.assertEqual(len(self.compare(0, stack, "cat", "/.generated/lines/640").lines), 10)
+                self.assertEqual(len(self.compare(0, stack, "head", "-n", "3", "/.generated/lines/640000").lines), 3)
+                self.assertEqual(self.compare(0, stack, "ls").lines, [])
+                self.assertIn("FileNotFoundException", self.compare(7, stack, "get", "/a b#%.txt").errors)
+                self.compare(7, stack, "rm", "/none")
+                self.compare(7, stack, "mv", "/none", "/x y")
+                self.compare(2, stack, "cat", "none")
+
+    def test_mkdir(self):
+        self.assertEqual(self.compare(0, "wininet", "mkdir", "/a/b", "--permission", "700").lines, ["/a/b: made"])
+        self.compare(2, "winhttp", "mkdir", "/a/b")
+
+
 class Samples(BothHomes):
     """The scripts that the documentation shows."""
 

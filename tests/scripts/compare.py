@@ -215,24 +215,30 @@ class DocCommand(BothHomes):
 class HdfsCommand(BothHomes):
     """velandoc hdfs in both homes and with both clients: the same lines, the same talk, the same requests."""
 
+    def node(self):
+        # Not through the proxy, which Wine's WinHTTP has none of.
+        return f"http://localhost:{self.server.ports['http']}"
+
     def compare(self, code, stack, *arguments):
         results, requests = [], []
         for home in self.homes.values():
             self.server.command("DELETE", "/hdfs")
             self.server.prepare(None)
-            results.append(home.run_command("hdfs", "--base-url", "http://nn.example.test:50070", "--user", "bob",
-                                            "--stack", stack, *arguments))
+            results.append(home.run_command("hdfs", "--base-url", self.node(), "--user", "bob", "--stack", stack,
+                                            *arguments))
             requests.append([comparable(record) for record in self.server.log()])
         self.assertEqual([result.code for result in results], [code, code], results[1].errors)
         self.assertEqual(results[0].lines, results[1].lines)
-        self.assertEqual(*(result.errors.replace("\r\n", "\n") for result in results))
+        # Wine itself says so now and then when a process ends while a thread of WinINet's still works.
+        self.assertEqual(*(re.sub(r"wine client error:\w+: .*\n?", "", result.errors.replace("\r\n", "\n"))
+                           for result in results))
         self.assertEqual(*requests)
         return results[0]
 
     def test_commands(self):
         for stack in ("wininet", "winhttp"):
             with self.subTest(stack=stack):
-                self.assertEqual(self.compare(0, stack, "verify").lines, ["http://nn.example.test:50070: WebHDFS server"])
+                self.assertEqual(self.compare(0, stack, "verify").lines, [f"{self.node()}: WebHDFS server"])
                 self.assertEqual(len(self.compare(0, stack, "cat", "/.generated/lines/640").lines), 10)
                 self.assertEqual(len(self.compare(0, stack, "head", "-n", "3", "/.generated/lines/640000").lines), 3)
                 self.assertEqual(self.compare(0, stack, "ls").lines, [])

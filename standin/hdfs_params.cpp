@@ -14,12 +14,13 @@ namespace {
                   "Invalid value for webhdfs parameter \"" + std::string(name) + "\": " + why);
 }
 
-// Nothing where the parameter is left out.
+// Nothing where the parameter is left out or empty, which is the same to Hadoop.
 std::optional<std::string> Value(const HdfsCall& call, std::string_view name) {
   const HdfsParam* param = call.Find(name);
   if (!param) return std::nullopt;
   if (!param->value)
     throw BadHdfsAddress("A parameter has a malformed escape or is no UTF-8: " + param->name);
+  if (param->value->empty()) return std::nullopt;
   return param->value;
 }
 
@@ -67,7 +68,7 @@ unsigned HdfsPermission(const HdfsCall& call, unsigned otherwise) {
 std::string HdfsDestination(const HdfsCall& call) {
   constexpr std::string_view kName = "destination";
   const auto value = Value(call, kName);
-  if (!value || value->empty())
+  if (!value)
     throw HdfsError(HdfsFault::kIllegalArgument,
                     "Required param destination for op: RENAME is null or empty");
   if (!value->starts_with('/'))
@@ -80,7 +81,7 @@ std::string HdfsCaller(const HdfsCall& call, const Request& request) {
   constexpr std::string_view kName = "user.name";
   if (!request.user.empty()) return request.user.substr(request.user.find('\\') + 1);
   const auto value = Value(call, kName);
-  if (!value || value->empty()) return std::string(kHdfsNobody);
+  if (!value) return std::string(kHdfsNobody);
   if (!IsUserName(*value))
     Refuse(kName, "Invalid parameter value: user.name = \"" + *value +
                       "\" does not belong to the domain ^[A-Za-z_][A-Za-z0-9._-]*[$]?$");

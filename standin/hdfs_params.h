@@ -1,5 +1,5 @@
 // The parameters of WebHDFS by their types. Each operation throws HdfsError for a value that the
-// parameter cannot have, an empty one among them, and BadHdfsAddress for malformed escapes.
+// parameter cannot have, and BadHdfsAddress for malformed escapes.
 #pragma once
 
 #include <cstdint>

@@ -11,14 +11,16 @@ import sys
 import unittest
 
 import cluster
+import command_cases
 import data_node_cases
 import fact_cases
 import failure_cases
 import operation_cases
 import run_case
 import support
+import winhttp_cases
 
-MODULES = (operation_cases, failure_cases, fact_cases, data_node_cases)
+MODULES = (operation_cases, failure_cases, winhttp_cases, command_cases, fact_cases, data_node_cases)
 
 
 def load_tests(loader, _tests, _pattern):

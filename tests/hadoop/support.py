@@ -19,7 +19,7 @@ import run_case  # noqa: E402  (the path stands one line above)
 STEPS = cluster.FOLDER / "steps.js"
 USER = "bob"
 TIMEOUT = 180
-FORMS = {"wininet": "Velantrica.HdfsClient.1"}
+FORMS = {"wininet": "Velantrica.HdfsClient.1", "winhttp": "Velantrica.HdfsWinHttpClient.1"}
 E_FAIL, E_INVALIDARG, E_ACCESSDENIED, E_NOINTERFACE = "80004005", "80070057", "80070005", "80004002"
 
 running = None  # the cluster; hadoop_test.py starts it
@@ -45,9 +45,14 @@ class Native:
         return self.started(*arguments).communicate(timeout=TIMEOUT)
 
     def started(self, *arguments):
-        return subprocess.Popen([cluster.TOP / "build/native/bin/velandoc-script", STEPS, *arguments],
-                                env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                                stderr=subprocess.PIPE)
+        return self.program("velandoc-script", STEPS, *arguments)
+
+    def command(self, *arguments):
+        return self.program("velandoc", *arguments)
+
+    def program(self, name, *arguments):
+        return subprocess.Popen([cluster.TOP / "build/native/bin" / name, *arguments], env=self.environment,
+                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
 
 
 class Wine:
@@ -75,6 +80,9 @@ class Wine:
 
     def started(self, *arguments):
         return self.program("cscript", "//nologo", run_case.windows_path(STEPS), *arguments)
+
+    def command(self, *arguments):
+        return self.program(cluster.TOP / "build/windows/bin/velandoc.exe", *arguments)
 
 
 HOMES = {"native": Native, "wine": Wine}
@@ -173,6 +181,7 @@ class Case(unittest.TestCase):
         self.assertEqual(step.get("error"), number, step)
         self.assertEqual(step.get("http"), status, step)
         self.assertIn(exception, step.get("message", ""))
+        self.assertEqual(step["description"], step["message"])
 
 
 def in_all_homes(case):

@@ -337,7 +337,7 @@ def lane_hadoop(lane):
         raise LaneFailure(f"the cluster cannot be prepared\n{tail(output, 30)}")
     lane.build("native", "velandoc", "velandoc_command", "velandoc_script")
     wine_prefix(lane, "velandoc", "velandoc_command", "trust_ca")
-    lane.unittest("hadoop", [PYTHON, "-B", TOP / "tests/hadoop/hadoop_test.py"], timeout=480)
+    lane.unittest("hadoop", [PYTHON, "-B", TOP / "tests/hadoop/hadoop_test.py"], timeout=900)
     code, output = lane.run([TOP / "run", "--hadoop"], timeout=300)
     lane.add("./run --hadoop ends well", "passed" if code == 0 else "failed", tail(output, 30))
     check_hdfs_job(lane, output)

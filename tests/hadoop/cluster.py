@@ -26,9 +26,10 @@ TOP = FOLDER.parent.parent
 BUILD = TOP / "build/hadoop"
 CERTIFICATES = TOP / "build/certificates"
 HEAP = "512m"
-SECONDS_TO_START = 120
+SECONDS_TO_START = 300
 SECONDS_TO_ANSWER = 120
 SECONDS_TO_FETCH = 900
+MOST_SECONDS = 900  # of a cluster's life
 # It protects a key that is made on this machine for tests; Java wants a password for every key store.
 STORE_PASSWORD = "velandoc"
 
@@ -98,7 +99,7 @@ def settings_folder():
 class Cluster:
     """A running cluster; a context manager, whose end ends the process too."""
 
-    def __init__(self, log, max_seconds=480):
+    def __init__(self, log, max_seconds=MOST_SECONDS):
         path = class_path()
         classes, settings = compiled(path), settings_folder()
         self.folder = tempfile.TemporaryDirectory(prefix="velandoc-hadoop-")

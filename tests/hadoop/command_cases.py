@@ -5,7 +5,7 @@ import pathlib
 import time
 
 import support
-from support import Case, Native, pattern
+from support import Case, Native, pattern, uploads
 
 NO, USAGE, MISSING, INCOMPLETE, NO_NODE, EXISTS = 1, 2, 7, 8, 12, 14
 
@@ -14,8 +14,15 @@ class CommandCase(Case):
     def start(self, *words, base=None, user=support.USER, home=None):
         home = home or self.home
         words = [home.local(word) if isinstance(word, pathlib.Path) else str(word) for word in words]
-        return home.command("--no-input", "hdfs", "--base-url", base or support.running.http, "--user", user, "--stack",
-                            self.form, *words)
+        process = home.command("--no-input", "hdfs", "--base-url", base or support.running.http, "--user", user,
+                               "--stack", self.form, *words)
+        self.addCleanup(self.end, process)
+        return process
+
+    @staticmethod
+    def end(process):
+        with process:
+            process.kill()
 
     def hdfs(self, code, *words, **options):
         process = self.start(*words, **options)
@@ -25,6 +32,7 @@ class CommandCase(Case):
 
 
 class Hdfs(CommandCase):
+    @uploads
     def test_a_file_goes_up_and_comes_back(self):
         content = b"".join(b"line %d\n" % i for i in range(5000))
         name = "a b%+#&-c;d"
@@ -44,6 +52,7 @@ class Hdfs(CommandCase):
         self.hdfs(0, "rm", self.path("other"))
         self.assertEqual(self.names(), [])
 
+    @uploads
     def test_sizes_at_the_edges_of_the_pieces(self):
         for size in (0, 1, 8191, 8192, 8193, 40 * 1024 * 1024):
             content = pattern(size)
@@ -55,6 +64,7 @@ class Hdfs(CommandCase):
         # Nothing of the names under which files travel is left.
         self.assertEqual(len(self.names()), 6)
 
+    @uploads
     def test_trees(self):
         tree = self.local / "tree"
         for name in ("a", "b c", "below/d", "below/deeper/e"):
@@ -72,6 +82,7 @@ class Hdfs(CommandCase):
         self.hdfs(0, "rm", "-r", self.path("tree"))
         self.assertEqual(self.names(), [])
 
+    @uploads
     def test_what_is_refused(self):
         up = self.file("up", b"first")
         self.hdfs(0, "put", up, self.path("f"))
@@ -86,6 +97,7 @@ class Hdfs(CommandCase):
         self.assertEqual(self.names(), ["f"])
         self.stands("f", b"first")
 
+    @uploads
     def test_safe_mode(self):
         support.running.ask("make", path=self.path("f"), bytes=3)
         support.running.ask("safe mode", on=True)
@@ -104,6 +116,7 @@ class Hdfs(CommandCase):
         self.assertEqual(answers, [f"{support.running.http}: WebHDFS server"])
         self.hdfs(NO, "verify", base="http://localhost:1")
 
+    @uploads
     def test_over_https(self):
         content = pattern(100000)
         self.hdfs(0, "put", self.file("up", content), self.path("f"), base=support.running.https)

@@ -1,7 +1,7 @@
 """What HDFS refuses, and what the client makes of it."""
 
 import support
-from support import E_FAIL, E_INVALIDARG, Case, Native, pattern
+from support import E_FAIL, E_INVALIDARG, Case, Native, pattern, uploads
 
 
 class Missing(Case):
@@ -29,6 +29,7 @@ class Missing(Case):
         else:
             self.assertIn(b"Path is not a file", local.read_bytes())
 
+    @uploads
     def test_a_path_below_a_file(self):
         support.running.ask("make", path=self.path("f"), bytes=3)
         told = self.steps(("upload", self.path("f/below"), self.file("up", b"x")),
@@ -44,6 +45,7 @@ class Missing(Case):
 
 
 class Rights(Case):
+    @uploads
     def test_another_user(self):
         support.running.ask("make", path=self.path("f"), bytes=3)
         support.running.ask("permission", path=self.path("f"), mode="600")
@@ -56,12 +58,14 @@ class Rights(Case):
         self.failed(told[4], E_FAIL, 0, "user=alice")
         self.assertEqual(self.names(), ["f"])
 
+    @uploads
     def test_nobody_is_another_user_too(self):
         told = self.steps(("set", "UserName", ""), ("upload", self.path("g"), self.file("up", b"x")))
         self.failed(told[1], E_FAIL, 0, "user=dr.who")
 
 
 class SafeMode(Case):
+    @uploads
     def test_reading_goes_on_and_nothing_is_changed(self):
         support.running.ask("make", path=self.path("f"), bytes=3)
         support.running.ask("safe mode", on=True)

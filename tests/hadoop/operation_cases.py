@@ -2,7 +2,7 @@
 
 import json
 
-from support import E_FAIL, E_INVALIDARG, Case, pattern
+from support import E_FAIL, E_INVALIDARG, Case, pattern, uploads
 import support
 
 LARGE = 200 * 1024 * 1024
@@ -12,6 +12,7 @@ SIZES = (0, 1, 8191, 8192, 8193)
 class Transfers(Case):
     """Files of sizes at the edges of the pieces in which they travel, in both directions."""
 
+    @uploads
     def test_sizes_at_the_edges_of_the_pieces(self):
         steps = []
         for size in SIZES:
@@ -25,6 +26,7 @@ class Transfers(Case):
             self.assertEqual((self.local / f"back{size}").read_bytes(), pattern(size), size)
             self.assertEqual((self.local / f"made{size}").read_bytes(), pattern(size), size)
 
+    @uploads
     def test_200_megabytes(self):
         content = pattern(LARGE)
         self.went_well(*self.steps(("upload", self.path("large"), self.file("up", content)),
@@ -32,6 +34,7 @@ class Transfers(Case):
         self.stands("large", content)
         self.assertEqual((self.local / "down").read_bytes(), content)
 
+    @uploads
     def test_over_https(self):
         content = pattern(100000)
         told = self.steps(("upload", self.path("tls"), self.file("up", content)),
@@ -42,6 +45,7 @@ class Transfers(Case):
         self.assertEqual((self.local / "down").read_bytes(), content)
         self.assertTrue(told[-1]["value"].startswith(support.running.https + "/webhdfs/v1/"))
 
+    @uploads
     def test_text_preview_and_random_name(self):
         lines = "one\r\ntwo \u20ac\r\nthree\r\n\r\nfive".encode()
         told = self.steps(("upload", self.path("text"), self.file("text", lines)), ("text", self.path("text")),
@@ -54,6 +58,7 @@ class Transfers(Case):
         self.assertEqual([self.fetch(step) for step in told[2:]],
                          [mark + "one\r\ntwo \u20ac".encode(), mark, mark + lines, lines])
 
+    @uploads
     def test_a_download_replaces_the_local_file(self):
         local = self.file("local", b"longer than what comes")
         self.went_well(*self.steps(("upload", self.path("f"), self.file("up", b"short")),
@@ -62,6 +67,7 @@ class Transfers(Case):
 
 
 class Changes(Case):
+    @uploads
     def test_overwriting_is_allowed_unless_told_otherwise(self):
         first, second = self.file("first", b"first"), self.file("second", b"second, and longer")
         told = self.steps(("upload", self.path("f"), first, "false"), ("upload", self.path("f"), second, "false"))
@@ -74,6 +80,7 @@ class Changes(Case):
         self.went_well(*self.steps(("upload plainly", self.path("f"), first)))
         self.stands("f", b"first")
 
+    @uploads
     def test_permissions_of_files(self):
         content = self.file("f", b"x")
         self.went_well(*self.steps(*[("upload", self.path(mode), content, "true", mode) for mode in ("640", "777", "000")],
@@ -83,6 +90,7 @@ class Changes(Case):
         self.assertEqual(modes, {"000": "000", "640": "640", "777": "777",
                                  "none": "644" if self.form == "wininet" else "000"})
 
+    @uploads
     def test_the_owner_is_the_user_that_was_named(self):
         self.went_well(*self.steps(("upload", self.path("f"), self.file("f", b"x"))))
         self.assertEqual(support.running.ask("status", path=self.path("f"))["owner"], "bob")
@@ -111,6 +119,7 @@ class Names(Case):
     ASCII = ("a b", "a%b", "a%20b", "a%zz", "a+b", "a#b", "a&b", "a-b", "a?b", "a=b", "a;b", "a,b", "a~b_c.d", "a'b",
              "a(b)", "a[b]", "a{b}", "a@b", "a!b", "a$b", "a*b", "a^b`c", "ab<>", '"ab"', " ab ")
 
+    @uploads
     def test_files_with_such_names(self):
         content = self.file("f", b"what stands in it")
         steps = []

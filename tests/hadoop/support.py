@@ -22,6 +22,9 @@ TIMEOUT = 180
 FORMS = {"wininet": "Velantrica.HdfsClient.1", "winhttp": "Velantrica.HdfsWinHttpClient.1"}
 E_FAIL, E_INVALIDARG, E_ACCESSDENIED, E_NOINTERFACE = "80004005", "80070057", "80070005", "80004002"
 
+# Wine's WinHTTP takes the 100 Continue that a data node sends unasked for the answer to an upload: none gets through it.
+NO_UPLOADS = ("wine", "winhttp")
+
 running = None  # the cluster; hadoop_test.py starts it
 
 
@@ -113,6 +116,12 @@ def raw(method, target):
     return int(head.split()[1]), body.decode("utf-8", "replace")
 
 
+def uploads(test):
+    """Marks a test that cannot be without an upload."""
+    test.uploads = True
+    return test
+
+
 class Case(unittest.TestCase):
     """Runs in one home with one form; both are set by in_all_homes. A class about some of them names those."""
 
@@ -190,5 +199,7 @@ def in_all_homes(case):
     for home in case.homes:
         for form in case.forms:
             made = type(f"{case.__name__}_{home}_{form}", (case,), {"home_class": HOMES[home], "form": form})
-            suite.addTests(unittest.defaultTestLoader.loadTestsFromTestCase(made))
+            for name in unittest.defaultTestLoader.getTestCaseNames(made):
+                if (home, form) != NO_UPLOADS or not hasattr(getattr(made, name), "uploads"):
+                    suite.addTest(made(name))
     return suite

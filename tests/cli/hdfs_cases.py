@@ -551,9 +551,10 @@ class BothStacks:
             self.assertEqual((report["transferred"], report["skipped"], report["failed"]), (0, 3, 0))
             report = self.hdfs_json("get", "-r", "--all", "/d", out, "-j", jobs)
             self.assertEqual((report["transferred"], report["skipped"], report["failed"]), (3, 0, 0))
-            self.assertEqual(self.hdfs("put", "-r", out, f"/up{jobs}/", "-j", jobs, "-q", **self.without_empty(out)), "")
+            put = ["put", "-r", out, f"/up{jobs}/", "-j", jobs]
+            self.assertEqual(self.hdfs(*put, "-q", **self.without_empty(out)), "")
             self.assertEqual(self.stored(f"/up{jobs}/{out}/e/f/c.txt"), b"y" * 1000)
-            report = self.hdfs_json("put", "-r", out, f"/up{jobs}/", "-j", jobs, **self.without_empty(out))
+            report = self.hdfs_json(*put, **self.without_empty(out))
             self.assertEqual((report["transferred"], report["skipped"], report["failed"]), (0, 3, 0))
         self.assertFalse([name for name in self.names() + self.left_here() if PART in name])
 

@@ -304,6 +304,20 @@ def lane_cli(lane):
                           "--standin", NATIVE / "bin/velandoc-standin"], timeout=900)
 
 
+def lane_dialog(lane):
+    """The dialog in a real window: keys, mouse, pages that misbehave, and edits up to the server's changed row."""
+    module = NATIVE / "lib/libvelandoc-dialog.so"
+    if (NATIVE / "build.ninja").exists() and module.name not in (NATIVE / "build.ninja").read_text():
+        # What the module needs may have been installed after the folder was made.
+        lane.run(["cmake", "--preset", "native"], timeout=300)
+    lane.build("native")
+    if not module.exists():
+        raise LaneFailure("the dialog's module was not built: tools/setup test installs what it needs")
+    certificates(lane)
+    lane.unittest("dialog", [PYTHON, "-B", TOP / "tests/dialog/dialog_test.py", "--binaries", NATIVE / "bin"],
+                  timeout=1500)
+
+
 def lane_scripts(lane):
     """Script cases in both homes against one stand-in: equal output, equal requests."""
     lane.build("native")
@@ -375,6 +389,7 @@ LANES = {
     "cli": lane_cli,
     "wine": lane_wine,
     "registration": lane_registration,
+    "dialog": lane_dialog,
     "scripts": lane_scripts,
     "fuzz": lane_fuzz,
     "hadoop": lane_hadoop,

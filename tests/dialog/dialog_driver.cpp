@@ -9,11 +9,13 @@
 //   --stay                      OK does not end the dialog
 //   --listen ID                 ask for the clicks of the element
 //   --times N                   show the dialog N times
+//   --focus                     tell where the keyboard's focus goes
 //   --end-at-once               end it before it is seen
 //   --thread                    show it on another thread, after a first one on the main thread
 //   --loop                      from inside a GTK main loop of the program's own, over its window
 //   --busy-loop                 while another thread runs GTK's main loop
-//   --measure N                 make the calls N times on completion, print milliseconds, end
+//   --measure N                 make the calls N times on completion, print milliseconds, end; also
+//                               those until the window was there and until the page was
 #include <gtk/gtk.h>
 #undef TRUE
 #undef FALSE
@@ -51,6 +53,7 @@ struct Options {
   int measure = 0;
   bool stay = false;
   bool endAtOnce = false;
+  bool focus = false;
   bool thread = false;
   bool loop = false;
   bool busyLoop = false;
@@ -69,6 +72,23 @@ std::string Hex(HRESULT result) {
   char text[16];
   std::snprintf(text, sizeof text, "%08x", static_cast<unsigned>(result));
   return text;
+}
+
+/// The last window that was made.
+GtkWidget* DialogWidget() {
+  GList* const windows = gtk_window_list_toplevels();
+  GtkWidget* const newest = GTK_WIDGET(windows->data);
+  g_list_free(windows);
+  return newest;
+}
+
+void WatchFocus() {
+  const auto tell = +[](GtkWindow*, GtkWidget* widget, gpointer) {
+    if (widget == nullptr) return;
+    Say(std::string("focus ") +
+        (GTK_IS_BUTTON(widget) ? gtk_button_get_label(GTK_BUTTON(widget)) : "page"));
+  };
+  g_signal_connect(DialogWidget(), "set-focus", G_CALLBACK(tell), nullptr);
 }
 
 class Driver final : public DialogEvents, public BrowserEvents {
@@ -108,6 +128,8 @@ class Driver final : public DialogEvents, public BrowserEvents {
     m_browser = m_host.CreateBrowser(dialog, client, m_wanted, *this);
     const WideString url = OLESTR("file://") + WideFromUtf8(m_options.page);
     m_host.Navigate(m_browser, url.c_str());
+    if (m_options.focus) WatchFocus();
+    if (m_options.measure != 0) MeasureShow();
     if (m_options.endAtOnce) m_host.EndDialog(dialog, 7);
     Say("created " + std::to_string(client.right) + " " + std::to_string(client.bottom));
     return 1;
@@ -137,15 +159,23 @@ class Driver final : public DialogEvents, public BrowserEvents {
     document->get_Script(m_script.Receive());
     Say("document");
     if (m_options.measure == 0) return;
-    Say("loaded after " + std::to_string(Milliseconds(m_start)) + " ms");
+    Say("loaded " + std::to_string(Milliseconds(m_start)));
     const Clock::time_point start = Clock::now();
     for (int i = 0; i < m_options.measure; ++i) CallAll(false);
-    Say("call " + std::to_string(Milliseconds(start) / m_options.measure) + " ms");
+    Say("call " + std::to_string(Milliseconds(start) / m_options.measure));
     m_host.EndDialog(m_dialog, 1);
   }
 
   void OnElementEvent(const ElementEvent& event) noexcept override {
     Say("click " + Utf8FromWide(event.element));
+  }
+
+  void MeasureShow() {
+    const auto tell = +[](GtkWidget*, GdkEvent*, gpointer driver) -> gboolean {
+      Say("shown " + std::to_string(Milliseconds(static_cast<Driver*>(driver)->m_start)));
+      return 0;
+    };
+    g_signal_connect(DialogWidget(), "map-event", G_CALLBACK(tell), this);
   }
 
   POINT Offset(int id, const RECT& client) {
@@ -206,6 +236,8 @@ Options Parse(int count, char** words) {
       options.stay = true;
     } else if (option == "--end-at-once") {
       options.endAtOnce = true;
+    } else if (option == "--focus") {
+      options.focus = true;
     } else if (option == "--thread") {
       options.thread = true;
     } else if (option == "--loop") {

@@ -192,7 +192,9 @@ def windows_path(path):
 def without_settings(environment):
     return {key: value for key, value in environment.items()
             if key.lower() not in ("http_proxy", "https_proxy", "no_proxy", "all_proxy", "curl_ca_bundle",
-                                   "ssl_cert_dir")}
+                                   "ssl_cert_dir",
+                                   # EditFields would wait for a user.
+                                   "display", "wayland_display")}
 
 
 def write_echo_registry(folder, library):

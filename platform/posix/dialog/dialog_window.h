@@ -82,7 +82,6 @@ class DialogWindow final : private PageEvents {
   int m_command = kNoCommand;         // taken, not yet told
   bool m_pageLoaded = false;          // not yet told
   std::vector<std::size_t> m_clicks;  // into m_wanted, not yet told
-  guint32 m_tabInPage = 0;            // the time of the last Tab that the page was given; 0 is none
   bool m_ended = false;
   INT_PTR m_result = 0;
 };

@@ -4,6 +4,10 @@
 #include <memory>
 #include <string>
 
+#ifdef _WIN32
+#include "platform/owners.h"
+#endif
+
 namespace velandoc::testing {
 
 class ScriptRunner {
@@ -18,6 +22,10 @@ class ScriptRunner {
   void Run(const std::string& program);
   /// The value of an expression as text. Raises as Run does.
   std::string Evaluate(const std::string& expression);
+#ifdef _WIN32
+  /// The script object that a page's document would hand out.
+  ComPtr<IDispatch> Script();
+#endif
 
  private:
   struct Engine;

@@ -71,6 +71,12 @@ ScriptRunner::~ScriptRunner() = default;
 
 void ScriptRunner::Run(const std::string& program) { Check(m_engine->Parse(program, 0, nullptr)); }
 
+ComPtr<IDispatch> ScriptRunner::Script() {
+  ComPtr<IDispatch> script;
+  Check(m_engine->engine->GetScriptDispatch(nullptr, script.Receive()));
+  return script;
+}
+
 std::string ScriptRunner::Evaluate(const std::string& expression) {
   Variant result;
   // As a text already: the engine's own way to turn a value into one.

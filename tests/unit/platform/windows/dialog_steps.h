@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <exception>
 #include <functional>
 #include <vector>
 
@@ -65,7 +66,13 @@ class DialogSteps {
       PostQuitMessage(0);
       return;
     }
-    if (dialog != nullptr && m_next < m_steps.size()) m_steps[m_next++](dialog);
+    if (dialog == nullptr || m_next == m_steps.size()) return;
+    try {
+      m_steps[m_next++](dialog);
+    } catch (const std::exception& error) {
+      // It must not leave through the system's code.
+      ADD_FAILURE() << error.what();
+    }
   }
 
   static inline DialogSteps* s_current = nullptr;

@@ -33,9 +33,10 @@ class InterfaceDouble {
  public:
   InterfaceDouble() {
     m_table.fill(reinterpret_cast<void*>(&Refuse));
-    Set(&Interface::QueryInterface, &Query);
-    Set(&Interface::AddRef, &Add);
-    Set(&Interface::Release, &Drop);
+    // IUnknown's own, first in every table.
+    m_table[0] = reinterpret_cast<void*>(&Query);
+    m_table[1] = reinterpret_cast<void*>(&Add);
+    m_table[2] = reinterpret_cast<void*>(&Drop);
   }
   InterfaceDouble(const InterfaceDouble&) = delete;
   InterfaceDouble& operator=(const InterfaceDouble&) = delete;

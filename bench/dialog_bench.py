@@ -18,7 +18,7 @@ ROUNDS = 9
 CALLS = 500
 ROWS = (("shown", "from the call of `DialogBoxParamW` to the window on the screen", 500),
         ("loaded", "from the call to the page's document", None),
-        ("call", "`GetIDsOfNames` and `Invoke` of `GetFieldValue`", 2))
+        ("each", "`GetIDsOfNames` and `Invoke` of `GetFieldValue`", 2))
 
 
 def main():

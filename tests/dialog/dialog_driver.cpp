@@ -162,7 +162,7 @@ class Driver final : public DialogEvents, public BrowserEvents {
     Say("loaded " + std::to_string(Milliseconds(m_start)));
     const Clock::time_point start = Clock::now();
     for (int i = 0; i < m_options.measure; ++i) CallAll(false);
-    Say("call " + std::to_string(Milliseconds(start) / m_options.measure));
+    Say("each " + std::to_string(Milliseconds(start) / m_options.measure));
     m_host.EndDialog(m_dialog, 1);
   }
 

@@ -325,6 +325,15 @@ def lane_scripts(lane):
     lane.unittest("scripts", [PYTHON, "-B", TOP / "tests/scripts/compare.py"], timeout=900)
 
 
+def lane_memory(lane):
+    """What transfers of many gigabytes take of memory; VELANDOC_MEMORY_GB=10 for all of a long download."""
+    lane.build("native", "velandoc", "hdfs_transfer")
+    with standin(lane) as environment:
+        port = re.search(r"http=(\d+)", environment["VELANDOC_STANDIN"])[1]
+        lane.unittest("memory", [PYTHON, "-B", TOP / "tests/memory/memory_test.py", "--binary",
+                                 NATIVE / "bin/hdfs_transfer", "--base-url", f"http://127.0.0.1:{port}"], timeout=900)
+
+
 def lane_fuzz(lane):
     """Each fuzz target over its corpus and then a fixed number of runs from a fixed seed."""
     lane.build("fuzz", "fuzz_targets")
@@ -391,6 +400,7 @@ LANES = {
     "registration": lane_registration,
     "dialog": lane_dialog,
     "scripts": lane_scripts,
+    "memory": lane_memory,
     "fuzz": lane_fuzz,
     "hadoop": lane_hadoop,
     "demo": lane_demo,

@@ -8,11 +8,8 @@
 // http://docs.example.test/ is reached.
 
 #include <curl/curl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -21,15 +18,16 @@
 #include <string>
 #include <vector>
 
+#include "bench/side_by_side.h"
 #include "platform/owners.h"
 #include "platform/wininet.h"
 #include "velandoc_idl.h"
 
 using namespace velandoc;
+using namespace velandoc::bench;
 
 namespace {
 
-constexpr int kRounds = 7;
 constexpr int kChecksPerRound = 1000;
 constexpr int kSocketCalls = 10000;
 constexpr unsigned kBodySize = 1U << 30;
@@ -39,42 +37,6 @@ constexpr char kEnvelope[] =
     "<soap:Envelope xmlns:soap=\"http://schemas.xmlsoap.org/soap/envelope/\"><soap:Body>"
     "<GetListCollection xmlns=\"http://schemas.microsoft.com/sharepoint/soap/\"/>"
     "</soap:Body></soap:Envelope>";
-
-void Require(bool condition, const char* what) {
-  if (!condition) throw std::runtime_error(what);
-}
-
-double Seconds(const std::function<void()>& work) {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double Median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return values[values.size() / 2];
-}
-
-// The two sides take turns, and each round gives one ratio: what a change of the machine's speed
-// does to one side it does to the other.
-void Compare(const char* name, double units, const char* unit, const std::function<void()>& ours,
-             const std::function<void()>& theirs) {
-  ours();
-  theirs();
-  std::vector<double> our_rates;
-  std::vector<double> their_rates;
-  std::vector<double> ratios;
-  for (int round = 0; round < kRounds; ++round) {
-    const double our_seconds = Seconds(ours);
-    const double their_seconds = Seconds(theirs);
-    our_rates.push_back(units / our_seconds);
-    their_rates.push_back(units / their_seconds);
-    ratios.push_back(their_seconds / our_seconds);
-  }
-  std::printf("| %s | %.0f %s | %.0f %s | %.2f |\n", name, Median(our_rates), unit,
-              Median(their_rates), unit, Median(ratios));
-  std::fflush(stdout);
-}
 
 int SocketsInTimeWait() {
   std::ifstream table("/proc/net/tcp");
@@ -186,23 +148,6 @@ void ReadToEnd(WinInet& inet, HINTERNET request, unsigned expected) {
     total += count;
   }
   Require(expected == 0 || total == expected, "the body is short");
-}
-
-void RunCurl(std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), {"curl", "-q", "-sS", "--noproxy", "*"});
-  std::fflush(stdout);  // else the child has the text too
-  const pid_t child = fork();
-  if (child == 0) {
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments) pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
-    if (freopen("/dev/null", "w", stdout) == nullptr) _exit(126);
-    execvp("curl", pointers.data());
-    _exit(127);
-  }
-  int status = 0;
-  waitpid(child, &status, 0);
-  Require(WIFEXITED(status) && WEXITSTATUS(status) == 0, "the curl command failed");
 }
 
 void Download(int port) {

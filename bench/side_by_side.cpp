@@ -1,0 +1,83 @@
+#include "bench/side_by_side.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <stdexcept>
+
+namespace velandoc::bench {
+namespace {
+
+double Seconds(const std::function<void()>& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+double Median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
+
+}  // namespace
+
+void Require(bool condition, const char* what) {
+  if (!condition) throw std::runtime_error(what);
+}
+
+void Compare(const char* name, double units, const char* unit, const std::function<void()>& ours,
+             const std::function<void()>& theirs, const std::function<void()>& prepare,
+             int rounds) {
+  for (const auto* side : {&ours, &theirs}) {
+    prepare();
+    (*side)();
+  }
+  std::vector<double> our_rates;
+  std::vector<double> their_rates;
+  std::vector<double> ratios;
+  for (int round = 0; round < rounds; ++round) {
+    prepare();
+    const double our_seconds = Seconds(ours);
+    prepare();
+    const double their_seconds = Seconds(theirs);
+    our_rates.push_back(units / our_seconds);
+    their_rates.push_back(units / their_seconds);
+    ratios.push_back(their_seconds / our_seconds);
+  }
+  std::printf("| %s | %.0f %s | %.0f %s | %.2f |\n", name, Median(our_rates), unit,
+              Median(their_rates), unit, Median(ratios));
+  std::fflush(stdout);
+}
+
+void RunProgram(std::vector<std::string> arguments) {
+  std::fflush(stdout);  // else the child has the text too
+  const pid_t child = fork();
+  if (child == 0) {
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    if (freopen("/dev/null", "w", stdout) == nullptr) _exit(126);
+    execvp(pointers[0], pointers.data());
+    _exit(127);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  Require(WIFEXITED(status) && WEXITSTATUS(status) == 0, "a program failed");
+}
+
+void RunCurl(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), {"curl", "-q", "-sS", "--noproxy", "*"});
+  RunProgram(std::move(arguments));
+}
+
+double MedianSeconds(const std::function<void()>& work, int rounds) {
+  work();
+  std::vector<double> seconds;
+  for (int round = 0; round < rounds; ++round) seconds.push_back(Seconds(work));
+  return Median(seconds);
+}
+
+}  // namespace velandoc::bench

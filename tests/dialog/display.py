@@ -104,7 +104,11 @@ class Display:
         if manager:
             self.manager = subprocess.Popen(["openbox", "--sm-disable", "--config-file", RULES], env=self.environment, stdin=subprocess.DEVNULL,
                                             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-            wait_for("the window manager", self._managed)
+            try:
+                wait_for("the window manager", self._managed)
+            except Missing:
+                self.close()
+                raise
 
     def _managed(self):
         done = self.run(["xdotool", "get_num_desktops"])

@@ -113,7 +113,8 @@ class Cluster:
             env={**os.environ, "HADOOP_USER_NAME": "hdfs", "CLASSPATH": f"{settings}:{classes}:{path}"}, cwd=self.folder.name)
         try:
             self.told = self.read(SECONDS_TO_START)
-        except Exception:
+        except BaseException:  # an interrupt of the keyboard among them
+            self.kill()
             self.stop()
             raise
         self.http = f"http://localhost:{self.told['http']}"
@@ -128,9 +129,12 @@ class Cluster:
     def read(self, seconds):
         """A line of the process. One that does not come in time ends the process, so that the wait ends."""
         watch = threading.Timer(seconds, self.kill)
+        watch.daemon = True
         watch.start()
-        line = self.process.stdout.readline()
-        watch.cancel()
+        try:
+            line = self.process.stdout.readline()
+        finally:
+            watch.cancel()
         if not line:
             raise RuntimeError(f"the cluster gave no answer; its words are in {self.log.name}")
         return json.loads(line)

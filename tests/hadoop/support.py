@@ -78,6 +78,12 @@ class Wine:
         return subprocess.Popen([cluster.TOP / "tools/wine", *arguments], env=self.environment, cwd=cluster.TOP,
                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
 
+    def must(self, *arguments):
+        process = self.program(*arguments)
+        _, errors = process.communicate(timeout=TIMEOUT)
+        if process.returncode != 0:
+            raise RuntimeError(f"{' '.join(arguments)}: exit code {process.returncode} {errors!r}")
+
     def script(self, *arguments):
         return self.started(*arguments).communicate(timeout=TIMEOUT)
 

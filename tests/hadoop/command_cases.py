@@ -91,7 +91,8 @@ class Hdfs(CommandCase):
                       ("stat", self.path("none")), ("ls", self.path("none"))):
             self.assertIn("404 FileNotFoundException", self.hdfs(MISSING, *words)[1])
         self.assertFalse((self.local / "down").exists())
-        self.assertIn("AccessControlException", self.hdfs(NO, "put", up, self.path("g"), user="alice")[1])
+        errors = self.hdfs(NO, "put", up, self.path("g"), user="alice")[1]
+        self.tells("AccessControlException", errors, of_data_node=True)
         self.hdfs(NO_NODE, "ls", self.folder, base="http://localhost:1")
         self.hdfs(USAGE, "put", up, self.path("g"), "--permission", "888")
         self.assertEqual(self.names(), ["f"])
@@ -103,7 +104,8 @@ class Hdfs(CommandCase):
         support.running.ask("safe mode", on=True)
         try:
             self.assertEqual(self.hdfs(0, "cat", self.path("f"))[0], pattern(3))
-            self.assertIn("SafeModeException", self.hdfs(NO, "put", self.file("up", b"x"), self.path("g"))[1])
+            errors = self.hdfs(NO, "put", self.file("up", b"x"), self.path("g"))[1]
+            self.tells("SafeModeException", errors, of_data_node=True)
             self.assertIn("SafeModeException", self.hdfs(NO, "rm", self.path("f"))[1])
         finally:
             support.running.ask("safe mode", on=False)

@@ -25,6 +25,9 @@ E_FAIL, E_INVALIDARG, E_ACCESSDENIED, E_NOINTERFACE = "80004005", "80070057", "8
 # Wine's WinHTTP takes the 100 Continue that a data node sends unasked for the answer to an upload: none gets through it.
 NO_UPLOADS = ("wine", "winhttp")
 
+# Wine's WinINet now and then takes that 100 Continue for the head of a refusal, and the refusal's own head for its body.
+MISREAD = "HTTP/1.1 403 Forbidden"
+
 running = None  # the cluster; hadoop_test.py starts it
 
 
@@ -192,10 +195,16 @@ class Case(unittest.TestCase):
         else:
             self.assertEqual((step.get("value"), step["http"]), (False, status), step)
 
+    def tells(self, exception, text, of_data_node):
+        """The text names the exception, or is what Wine makes of a data node's refusal now and then."""
+        if of_data_node and (self.home.name, self.form) == ("wine", "wininet") and MISREAD in text:
+            return
+        self.assertIn(exception, text)
+
     def failed(self, step, number, status, exception=""):
         self.assertEqual(step.get("error"), number, step)
         self.assertEqual(step.get("http"), status, step)
-        self.assertIn(exception, step.get("message", ""))
+        self.tells(exception, step["message"], of_data_node=step["step"].startswith("upload"))
         self.assertEqual(step["description"], step["message"])
 
 

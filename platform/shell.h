@@ -40,9 +40,9 @@ class Shell {
   /// The path of one of the user's folders, into a buffer of MAX_PATH (260) characters. FALSE, with
   /// the buffer as it was or empty, if there is none. `create` makes one that is missing.
   ///
-  /// Linux has CSIDL_INTERNET_CACHE: XDG_CACHE_HOME of the environment if it is an absolute path,
-  /// else .cache in HOME. It is made, for the user alone, whether asked for or not: a new user has
-  /// none until the first program makes it.
+  /// Linux has CSIDL_INTERNET_CACHE: the folder velandoc in XDG_CACHE_HOME of the environment if
+  /// that is an absolute path, else in .cache of HOME. It is made, for the user alone, whether asked
+  /// for or not: a new user has none until the first program makes it.
   virtual BOOL SHGetSpecialFolderPathW(HWND owner, LPWSTR path, int folder, BOOL create) = 0;
 };
 

@@ -194,7 +194,7 @@ class EditCases(EditCase):
         support.display.type("B-2", "Return")
         program.end()
         self.assertEqual((self.row()["Owner"], self.row()["Project_x0020_Code"]), ("First", "B-2"))
-        endings = sorted(path.suffix for path in (self.folder / "cache").iterdir() if path.is_file())
+        endings = sorted(path.suffix for path in (self.folder / "cache/velandoc").iterdir() if path.is_file())
         self.assertEqual(endings, [".htm", ".htm", ".tmp", ".tmp"])
         support.display.gone(second)
 
@@ -202,8 +202,8 @@ class EditCases(EditCase):
         program, _ = self.edit()
         support.display.keys("Escape")
         program.end()
-        self.assertEqual(stat.S_IMODE((self.folder / "cache").stat().st_mode), 0o700)
-        (page,) = (self.folder / "cache").glob("*.htm")
+        self.assertEqual(stat.S_IMODE((self.folder / "cache/velandoc").stat().st_mode), 0o700)
+        (page,) = (self.folder / "cache/velandoc").glob("*.htm")
         self.assertTrue(page.read_bytes().startswith(b"\xff\xfe<\0h\0t\0m\0l\0>\0"))
 
     def test_page_that_died_sends_nothing(self):

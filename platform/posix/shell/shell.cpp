@@ -55,6 +55,10 @@ std::string CacheFolder() {
   return home != nullptr && *home == '/' ? std::string(home) + "/.cache" : std::string();
 }
 
+bool MakeFolder(const std::string& name) {
+  return mkdir(name.c_str(), kOwnerOnly) == 0 || errno == EEXIST;
+}
+
 class PosixShell final : public Shell {
  public:
   int _wsplitpath_s(LPCWSTR path, LPWSTR drive, std::size_t driveSize, LPWSTR folder,
@@ -92,8 +96,11 @@ class PosixShell final : public Shell {
   BOOL SHGetSpecialFolderPathW(HWND, LPWSTR path, int folder, BOOL) override {
     const std::string name = folder == CSIDL_INTERNET_CACHE ? CacheFolder() : std::string();
     if (name.empty()) return FALSE;
-    if (mkdir(name.c_str(), kOwnerOnly) != 0 && errno != EEXIST) return FALSE;
-    return StorePart(PathFromUtf8(name), path, kMaxPath) ? TRUE : FALSE;
+    // The folder of all programs may be open to other users; what goes into ours holds documents'
+    // values.
+    const std::string own = name + "/velandoc";
+    if (!MakeFolder(name) || !MakeFolder(own)) return FALSE;
+    return StorePart(PathFromUtf8(own), path, kMaxPath) ? TRUE : FALSE;
   }
 };
 

@@ -30,11 +30,11 @@ TEST_F(CacheFolder, IsTheEnvironmentsOrBelowHome) {
   const EnvironmentScope home("HOME", m_home.c_str());
   {
     const EnvironmentScope cache("XDG_CACHE_HOME", (m_home + "/own").c_str());
-    EXPECT_EQ(Ask(), m_home + "/own");
+    EXPECT_EQ(Ask(), m_home + "/own/velandoc");
   }
   for (const char* useless : {static_cast<const char*>(nullptr), "", "relative"}) {
     const EnvironmentScope cache("XDG_CACHE_HOME", useless);
-    EXPECT_EQ(Ask(), m_home + "/.cache");
+    EXPECT_EQ(Ask(), m_home + "/.cache/velandoc");
   }
   EXPECT_EQ(Ask(CSIDL_INTERNET_CACHE + 1), "none");
 }
@@ -42,11 +42,13 @@ TEST_F(CacheFolder, IsTheEnvironmentsOrBelowHome) {
 TEST_F(CacheFolder, IsMadeForTheUserAloneIfItIsNotThere) {
   const EnvironmentScope home("HOME", m_home.c_str());
   const EnvironmentScope cache("XDG_CACHE_HOME", nullptr);
-  ASSERT_EQ(Ask(), m_home + "/.cache");
-  struct stat status;
-  ASSERT_EQ(stat((m_home + "/.cache").c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 0777, 0700U);
-  EXPECT_EQ(Ask(), m_home + "/.cache") << "the second time it is there";
+  ASSERT_EQ(Ask(), m_home + "/.cache/velandoc");
+  for (const char* folder : {"/.cache", "/.cache/velandoc"}) {
+    struct stat status;
+    ASSERT_EQ(stat((m_home + folder).c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0700U) << folder;
+  }
+  EXPECT_EQ(Ask(), m_home + "/.cache/velandoc") << "the second time it is there";
 }
 
 TEST_F(CacheFolder, IsNoneWithoutAHomeOrWhereItCannotBe) {

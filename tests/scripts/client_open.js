@@ -38,7 +38,6 @@ function show(title) {
   attempt('HasFields', function () { return client.HasFields(); });
   attempt('HasUnfilledFields', function () { return client.HasUnfilledFields(); });
   attempt('HasUnfilledRequiredFields', function () { return client.HasUnfilledRequiredFields(); });
-  attempt('EditFields', function () { return client.EditFields(); });
 }
 
 function meta(key) {

@@ -1,10 +1,11 @@
 // The HDFS client and its command beside curl and libcurl, in one run and against one server, as
 // ratios of rates: above 1 the component is the faster.
 //
-//   hdfs_ratios HTTP-PORT HTTPS-PORT [get|put|text|whole]
+//   hdfs_ratios HTTP-PORT HTTPS-PORT [get|put|text|peer|whole]
 //
 // The ports are the stand-in server's, whose HDFS makes up what is read and drops what is written.
-// For https the environment's CURL_CA_BUNDLE names the server's authority.
+// For https the environment's CURL_CA_BUNDLE names the server's authority. VELANDOC_WEBHDFS_PEER is
+// the path of webhdfs_peer.js where the npm client `webhdfs` is installed; NODE_PATH names where.
 
 #include <curl/curl.h>
 #include <unistd.h>
@@ -104,16 +105,46 @@ void Get(const std::string& base, const char* scheme) {
   }
 }
 
+void MakeSource(const std::string& local) {
+  std::ofstream file(local, std::ios::binary);
+  std::string piece(1 << 20, '\0');
+  for (std::size_t i = 0; i < piece.size(); ++i) piece[i] = static_cast<char>(i * 7 % 253);
+  for (std::size_t i = 0; i < kBodySize / piece.size(); ++i) file << piece;
+  Require(static_cast<bool>(file.flush()), "no room for a temporary file");
+}
+
+/// The npm client, where it is installed.
+void Peer(const std::string& base, const std::string& port) {
+  const char* const script = std::getenv("VELANDOC_WEBHDFS_PEER");
+  if (script == nullptr) return;
+  constexpr int kRounds = 3;
+  const Folder folder;
+  const std::string local = folder.File("f");
+  const auto peer = [&](const char* what, const char* remote) {
+    RunProgram({"/usr/bin/env", "node", script, what, port, remote, local});
+    Require(std::filesystem::file_size(local) == kBodySize, "the npm client's get is not whole");
+  };
+  Compare(
+      "`velandoc hdfs get` of 1 GiB to a file over http, beside the npm client `webhdfs`",
+      kBodySize / 1e6, "MB/s",
+      [&] {
+        RunCommand({"get", kRead, local}, base);
+      },
+      [&] { peer("get", kRead); }, [&] { std::filesystem::remove(local); }, kRounds);
+  MakeSource(local);
+  Compare(
+      "`velandoc hdfs put` of a file of 1 GiB over http, beside the npm client `webhdfs`",
+      kBodySize / 1e6, "MB/s",
+      [&] {
+        RunCommand({"put", local, kWritten}, base);
+      },
+      [&] { peer("put", kWritten); }, [] {}, kRounds);
+}
+
 void Put(const std::string& base, const char* scheme) {
   const Folder folder;
   const std::string local = folder.File("f");
-  {
-    std::ofstream file(local, std::ios::binary);
-    std::string piece(1 << 20, '\0');
-    for (std::size_t i = 0; i < piece.size(); ++i) piece[i] = static_cast<char>(i * 7 % 253);
-    for (std::size_t i = 0; i < kBodySize / piece.size(); ++i) file << piece;
-    Require(static_cast<bool>(file.flush()), "no room for a temporary file");
-  }
+  MakeSource(local);
   const auto curl = [&] {
     RunCurl({"-L", "-T", local, "-H",
              "Expect:", Url(base, kWritten, "CREATE&overwrite=true&namenoderpcaddress=x")});
@@ -212,7 +243,7 @@ void Whole(const std::string& base) {
 
 int main(int argc, char** argv) {
   if (argc < 3) {
-    std::fprintf(stderr, "usage: hdfs_ratios HTTP-PORT HTTPS-PORT [get|put|text|whole]\n");
+    std::fprintf(stderr, "usage: hdfs_ratios HTTP-PORT HTTPS-PORT [get|put|text|peer|whole]\n");
     return 2;
   }
   const std::string http = std::string("http://localhost:") + argv[1];
@@ -227,6 +258,7 @@ int main(int argc, char** argv) {
     if (isAsked("get")) Get(https, "https");
     if (isAsked("put")) Put(http, "http");
     if (isAsked("put")) Put(https, "https");
+    if (isAsked("peer")) Peer(http, argv[1]);
     if (isAsked("text")) Text(http, "http");
     if (isAsked("text")) Text(https, "https");
   } catch (const std::exception& error) {

@@ -37,6 +37,13 @@ bool CallGetFieldValue(IDispatch& script, const CFieldRecord& field, WideString&
   return true;
 }
 
+/// False once the page is gone, which fails every call: half a form is not to be sent.
+bool HasScript(IHTMLDocument2& document) {
+  ComPtr<IDispatch> script;
+  document.get_Script(script.Receive());
+  return static_cast<bool>(script);
+}
+
 /// With one argument, where the function has two parameters: what it says ends with "undefined".
 /// Users know it so.
 void CallAlertRequired(IDispatch& script, const CFieldRecord& field) {
@@ -66,7 +73,10 @@ bool CClient::ReadFormValues(IHTMLDocument2* document, std::list<WideString>& va
     WideString value;
     // Without a place for the one that could not be read, those behind it move up. An update pairs
     // by place.
-    if (!CallGetFieldValue(*script, field, value)) continue;
+    if (!CallGetFieldValue(*script, field, value)) {
+      if (!HasScript(*document)) return false;
+      continue;
+    }
     values.push_back(value);
     if (value.empty() && field.m_required) {
       CallAlertRequired(*script, field);

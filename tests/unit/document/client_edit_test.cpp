@@ -130,6 +130,22 @@ TEST_F(ClientEdit, AFieldThatCannotBeReadPutsTheValuesOutOfStep) {
   EXPECT_EQ(Read(&m_document), "true [Status] [Tags]");
 }
 
+TEST_F(ClientEdit, OfAPageThatGoesWhileItIsReadNothingIsSent) {
+  OpenThree();
+  m_document.script.functions[OLESTR("GetFieldValue")] =
+      [this](const ScriptedScript::Arguments& arguments, VARIANT* result) {
+        const WideView name = arguments.at(0)->bstrVal;
+        if (!m_document.hasScript || name == OLESTR("Status")) {
+          m_document.hasScript = false;
+          return E_FAIL;
+        }
+        result->bstrVal = Bstr(name).Detach();
+        result->vt = VT_BSTR;
+        return S_OK;
+      };
+  EXPECT_EQ(Read(&m_document), "false [Title]");
+}
+
 TEST_F(ClientEdit, APageWithoutTheFunctionGivesNoValues) {
   OpenThree();
   EXPECT_EQ(Read(&m_document), "true");

@@ -37,7 +37,8 @@ bool CallGetFieldValue(IDispatch& script, const CFieldRecord& field, WideString&
   return true;
 }
 
-/// False once the page is gone, which fails every call: half a form is not to be sent.
+/// False once the page is gone, which fails every call. Where the window answers during a call, as
+/// on Linux, Cancel can be the reason: then what was read so far is not to be sent.
 bool HasScript(IHTMLDocument2& document) {
   ComPtr<IDispatch> script;
   document.get_Script(script.Receive());

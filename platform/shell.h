@@ -41,8 +41,8 @@ class Shell {
   /// the buffer as it was or empty, if there is none. `create` makes one that is missing.
   ///
   /// Linux has CSIDL_INTERNET_CACHE: the folder velandoc in XDG_CACHE_HOME of the environment if
-  /// that is an absolute path, else in .cache of HOME. It is made, for the user alone, whether asked
-  /// for or not: a new user has none until the first program makes it.
+  /// that is an absolute path, else in .cache of HOME. It is made, for the user alone, whether
+  /// asked for or not: a new user has none until the first program makes it.
   virtual BOOL SHGetSpecialFolderPathW(HWND owner, LPWSTR path, int folder, BOOL create) = 0;
 };
 

@@ -12,9 +12,9 @@ from dialog_support import DialogCase, wait_for
 from module_cases import CANCEL, OK, middle
 
 # The server of the command's tests, which have a module `support` of their own.
-_specification = importlib.util.spec_from_file_location("cli_support", support.TOP / "tests/cli/support.py")
-cli = importlib.util.module_from_spec(_specification)
-_specification.loader.exec_module(cli)
+_found = importlib.util.spec_from_file_location("cli_support", support.TOP / "tests/cli/support.py")
+cli = importlib.util.module_from_spec(_found)
+_found.loader.exec_module(cli)
 
 BOOK = "http://docs.example.test/sites/a/Shared%20Documents/b.xlsx"
 MINUTES = "http://docs.example.test/sites/a/Shared%20Documents/Minutes.docx"

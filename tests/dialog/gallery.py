@@ -13,9 +13,9 @@ import tempfile
 
 from display import TOP, Display, wait_for
 
-_specification = importlib.util.spec_from_file_location("cli_support", TOP / "tests/cli/support.py")
-cli = importlib.util.module_from_spec(_specification)
-_specification.loader.exec_module(cli)
+_found = importlib.util.spec_from_file_location("cli_support", TOP / "tests/cli/support.py")
+cli = importlib.util.module_from_spec(_found)
+_found.loader.exec_module(cli)
 
 BOOK = "http://docs.example.test/sites/a/Shared%20Documents/b.xlsx"
 

@@ -23,8 +23,7 @@ std::optional<std::string_view> FindModuleResource(LPCWSTR type, WORD id);
 
 /// Row `id` of the string table; empty if there is none. Unlike the bytes above it comes from the
 /// resources that are current for the calling thread (platform/mfc/module_state.h), so from a
-/// language's satellite where one is loaded, and from the library where that lacks the row. Linux
-/// has no satellites of strings.
+/// language's satellite where one is loaded, and from the library where that lacks the row.
 WideString LoadModuleString(WORD id);
 
 }  // namespace velandoc

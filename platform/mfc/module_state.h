@@ -7,9 +7,11 @@
 #pragma once
 
 #include <atomic>
+#include <vector>
 
 #include "platform/com.h"
 
+class CDynLinkLibrary;
 class CWinApp;
 
 struct AFX_MODULE_STATE {
@@ -20,6 +22,9 @@ struct AFX_MODULE_STATE {
   /// Objects that keep the module loaded, counted by AfxOleLockApp and AfxOleUnlockApp. Any thread
   /// may count.
   std::atomic<LONG> m_nObjectCount{0};
+  /// The extension libraries, in the order in which they came. Read and changed under
+  /// AfxLockGlobals(CRIT_DYNLINKLIST) (platform/mfc/extension_library.h).
+  std::vector<CDynLinkLibrary*> m_libraryList;
 };
 
 /// This library's state. It lives as long as the library.

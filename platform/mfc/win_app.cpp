@@ -1,6 +1,6 @@
 #include "platform/mfc/win_app.h"
 
-CWinApp::CWinApp() {
+CWinApp::CWinApp() : m_services(velandoc::CurrentPort<velandoc::ModuleServices>()) {
   AFX_MODULE_STATE* state = AfxGetStaticModuleState();
   m_hInstance = state->m_hCurrentInstanceHandle;
   state->m_pCurrentWinApp = this;
@@ -9,6 +9,11 @@ CWinApp::CWinApp() {
 CWinApp::~CWinApp() {
   AFX_MODULE_STATE* state = AfxGetStaticModuleState();
   if (state->m_pCurrentWinApp == this) state->m_pCurrentWinApp = nullptr;
+  if (m_hLangResourceDLL == nullptr) return;
+  if (state->m_hCurrentResourceHandle == m_hLangResourceDLL) {
+    state->m_hCurrentResourceHandle = state->m_hCurrentInstanceHandle;
+  }
+  m_services.FreeLibrary(m_hLangResourceDLL);
 }
 
 const AFX_MSGMAP* CWinApp::GetMessageMap() const {

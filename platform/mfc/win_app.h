@@ -3,9 +3,10 @@
 
 #include "platform/mfc/message_map.h"
 #include "platform/mfc/module_state.h"
+#include "platform/module_services.h"
 
 /// One exists in a library, as a global. Its construction makes it the application of the library's
-/// module state, its destruction ends that.
+/// module state, its destruction ends that and lets the satellite go.
 class CWinApp {
  public:
   CWinApp();
@@ -24,6 +25,10 @@ class CWinApp {
   virtual HINSTANCE LoadAppLangResourceDLL();
 
   HINSTANCE m_hInstance = nullptr;
-  /// What LoadAppLangResourceDLL gave. Never unloaded.
+  /// What LoadAppLangResourceDLL gave. Unloaded by the destructor.
   HINSTANCE m_hLangResourceDLL = nullptr;
+
+ private:
+  /// Asked for before this object is complete, so that it outlives it.
+  velandoc::ModuleServices& m_services;
 };

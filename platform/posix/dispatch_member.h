@@ -173,6 +173,7 @@ struct DispatchMember {
   std::size_t count = 0;  // of arguments, without a result
   std::array<DispatchArgument, kMaxDispatchArguments> arguments{};
   std::array<DispatchType, kMaxDispatchArguments> types{};
+  DispatchType result{};  // VT_EMPTY for a member without one
   DispatchThunk call = nullptr;
 };
 
@@ -195,10 +196,18 @@ struct DispatchSignature<member, resultType> {
     (std::make_index_sequence<kCount>());
   }
 
+  /// Only for a member with a result.
+  static constexpr DispatchType ResultType() {
+    DispatchType type =
+        ValueTypeOf<std::remove_pointer_t<std::tuple_element_t<kCount - 1, Tuple>>>();
+    if (resultType != VT_EMPTY) type.type = resultType;
+    return type;
+  }
+
   static HRESULT CallForResult(void* object, const VARIANT* arguments, VARIANT& result) {
     using Result = std::remove_pointer_t<std::tuple_element_t<kCount - 1, Tuple>>;
     constexpr bool isVariant = std::is_same_v<Result, VARIANT>;
-    constexpr VARTYPE type = resultType != VT_EMPTY ? resultType : ValueTypeOf<Result>().type;
+    constexpr VARTYPE type = ResultType().type;
     Result value{};
     const HRESULT returned = [&]<std::size_t... at>(std::index_sequence<at...>) {
       return (static_cast<I*>(object)->*member)(
@@ -228,6 +237,7 @@ struct DispatchSignature<member, resultType> {
     }
     (std::make_index_sequence<kArguments>());
     if constexpr (hasResult) {
+      row.result = ResultType();
       row.call = &CallForResult;
     } else {
       row.call = &Call;

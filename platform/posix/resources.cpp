@@ -11,11 +11,4 @@ std::optional<std::string_view> FindModuleResource(LPCWSTR type, WORD id) {
   return std::nullopt;
 }
 
-WideString LoadModuleString(WORD id) {
-  for (const EmbeddedString& row : EmbeddedStrings()) {
-    if (row.id == id) return WideString(row.text);
-  }
-  return WideString();
-}
-
 }  // namespace velandoc

@@ -10,6 +10,7 @@
 #include "platform/module_path.h"
 #include "platform/server_runtime.h"
 #include "tests/support/recording_runtime.h"
+#include "tests/support/scripted_modules.h"
 
 namespace velandoc {
 namespace {
@@ -101,6 +102,8 @@ TEST_F(VelandocAppTest, TheLibraryIsTheProxiesModule) {
 }
 
 TEST_F(VelandocAppTest, ASatelliteIsTheResourceInstanceOfBoth) {
+  ScriptedModules modules;
+  const PortScope<ModuleServices> modulesScope(modules);
   const HINSTANCE satellite = reinterpret_cast<HINSTANCE>(this);
   TranslatedApp app(satellite);
   EXPECT_EQ(app.InitInstance(), TRUE);

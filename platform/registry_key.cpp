@@ -41,11 +41,31 @@ LONG OpenKey::Open(HKEY parent, const WideString& name) {
   return System().RegOpenKeyExW(parent, name.c_str(), 0, KEY_READ | KEY_WRITE, &m_key);
 }
 
+LONG OpenKey::OpenForReading(HKEY parent, const WideString& name) {
+  return System().RegOpenKeyExW(parent, name.c_str(), 0, KEY_READ, &m_key);
+}
+
 LONG OpenKey::SetText(LPCWSTR name, const WideString& text) const {
   const std::size_t size = (text.size() + 1) * sizeof(OLECHAR);
   return System().RegSetValueExW(m_key, name, 0, REG_SZ,
                                  reinterpret_cast<const BYTE*>(text.c_str()),
                                  static_cast<DWORD>(size));
+}
+
+LONG ReadKeyText(HKEY parent, const WideString& key, LPCWSTR name, WideString& text) {
+  OpenKey opened;
+  if (const LONG error = opened.OpenForReading(parent, key)) return error;
+  DWORD type = REG_NONE;
+  DWORD size = 0;
+  LONG error = System().RegQueryValueExW(opened.Get(), name, nullptr, &type, nullptr, &size);
+  if (error != 0) return error;
+  if (type != REG_SZ || size % sizeof(OLECHAR) != 0) return static_cast<LONG>(ERROR_INVALID_DATA);
+  WideString read(size / sizeof(OLECHAR), OLECHAR{0});
+  error = System().RegQueryValueExW(opened.Get(), name, nullptr, nullptr,
+                                    reinterpret_cast<BYTE*>(read.data()), &size);
+  if (error != 0) return error;
+  text = read.substr(0, read.find(OLECHAR{0}));
+  return 0;
 }
 
 LONG DeleteKeyTree(HKEY parent, const WideString& name) {

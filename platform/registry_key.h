@@ -20,6 +20,9 @@ class OpenKey {
   /// ERROR_FILE_NOT_FOUND if there is no such key.
   LONG Open(HKEY parent, const WideString& name);
 
+  /// As Open, for those who may not write there.
+  LONG OpenForReading(HKEY parent, const WideString& name);
+
   HKEY Get() const { return m_key; }
   /// A REG_SZ; a null or empty `name` is the default value.
   LONG SetText(LPCWSTR name, const WideString& text) const;
@@ -27,6 +30,11 @@ class OpenKey {
  private:
   HKEY m_key = nullptr;
 };
+
+/// The REG_SZ `name` of the key (null for its default value), without its terminator; the key is
+/// opened for reading alone. ERROR_FILE_NOT_FOUND if there is no such key or value,
+/// ERROR_INVALID_DATA if it is no text; `text` is then as it was.
+LONG ReadKeyText(HKEY parent, const WideString& key, LPCWSTR name, WideString& text);
 
 /// Deletes `name` with all below it. A key that is not there is no failure.
 LONG DeleteKeyTree(HKEY parent, const WideString& name);

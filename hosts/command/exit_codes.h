@@ -8,7 +8,7 @@ enum ExitCode : int {
   kExitNo = 1,              // asked and answered: at least one answer is "no"
   kExitUsage = 2,           // the command line is wrong; nothing was sent
   kExitNoComponent = 3,     // the component cannot be created
-  kExitRegistration = 4,    // registering or unregistering failed
+  kExitRegistration = 4,    // registering, unregistering or reading the registry failed
   kExitOutput = 5,          // the standard output cannot be written
   kExitFailure = 6,         // a call of the component failed
   kExitNotOpened = 7,       // no such document or file, or the document's server cannot be asked

@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "hosts/com_apartment.h"
+#include "hosts/command/classes_command.h"
 #include "hosts/command/doc_command.h"
 #include "hosts/command/exit_codes.h"
 #include "hosts/command/hdfs_command.h"
@@ -31,6 +32,8 @@ int Run(int argc, char** argv) {
       return RunDoc(parsed.options);
     case Action::kHdfs:
       return RunHdfs(parsed.options);
+    case Action::kClasses:
+      return RunClasses(parsed.options);
     default:
       return RunRegistration(parsed.options);
   }

@@ -22,7 +22,7 @@ constexpr char kFooter[] =
     "      hdfs verify: no name node is active; doc edit: cancelled\n"
     "   2  the command line is wrong; nothing was sent\n"
     "   3  the component cannot be created\n"
-    "   4  registering or unregistering failed\n"
+    "   4  registering or unregistering failed; classes: the registry cannot be read\n"
     "   5  the output cannot be written\n"
     "   6  a call of the component failed\n"
     "   7  doc: the document cannot be opened; hdfs: no such file or folder\n"
@@ -239,6 +239,8 @@ ParsedOptions ParseOptions(std::vector<std::string> arguments) {
   install->add_flag("--user", options.user, kUserHelp);
   CLI::App* remove = app.add_subcommand("unregister", "Remove the registration");
   remove->add_flag("--user", options.user, kUserHelp);
+  const CLI::App* classes = app.add_subcommand(
+      "classes", "List the component's classes, where they are registered, and their library");
 
   try {
     std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
@@ -255,6 +257,7 @@ ParsedOptions ParseOptions(std::vector<std::string> arguments) {
                    : doc->parsed()     ? Action::kDoc
                    : hdfs->parsed()    ? Action::kHdfs
                    : install->parsed() ? Action::kRegister
+                   : classes->parsed() ? Action::kClasses
                                        : Action::kUnregister;
   for (const std::string& url : options.urls) {
     if (const auto problem = FindUrlProblem(url)) return TellMistake(*problem);

@@ -9,7 +9,7 @@
 
 namespace velandoc {
 
-enum class Action { kProbe, kDoc, kHdfs, kRegister, kUnregister };
+enum class Action { kProbe, kDoc, kHdfs, kRegister, kUnregister, kClasses };
 
 struct Options {
   Action action = Action::kProbe;

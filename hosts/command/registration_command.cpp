@@ -5,6 +5,7 @@
 #include "hosts/command/exit_codes.h"
 #include "hosts/command/talk.h"
 #include "hosts/component_library.h"
+#include "platform/registry_place.h"
 #include "platform/standard_streams.h"
 
 namespace velandoc {
@@ -45,13 +46,16 @@ int RunRegistration(const Options& options) {
   }
   const std::string key = options.user ? "HKEY_CURRENT_USER\\Software\\Classes"
                                        : "HKEY_LOCAL_MACHINE\\Software\\Classes";
+  const std::string file = RegistryPlace(options.user ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE);
   if (options.json) {
-    const nlohmann::ordered_json done = {
+    nlohmann::ordered_json done = {
         {"registered", install}, {"library", library.Path()}, {"key", key}};
+    if (!file.empty()) done["file"] = file;
     WriteOutput(done.dump(2) + "\n");
   } else {
     WriteOutput((install ? "registered " : "unregistered ") + library.Path() +
-                (install ? " in " : " from ") + key + "\n");
+                (install ? " in " : " from ") + key + (file.empty() ? "" : " (" + file + ")") +
+                "\n");
   }
   return FlushOutput() ? kExitSuccess : kExitOutput;
 }

@@ -18,6 +18,7 @@ from doc_cases import *  # noqa: F401,F403
 from edit_cases import *  # noqa: F401,F403
 from hdfs_cases import *  # noqa: F401,F403
 from prompt_cases import *  # noqa: F401,F403
+from registration_cases import *  # noqa: F401,F403
 from script_cases import *  # noqa: F401,F403
 
 

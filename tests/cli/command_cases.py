@@ -1,8 +1,7 @@
-"""velandoc: probe, register, unregister, and what it says to mistakes."""
+"""velandoc: probe, and what it says to mistakes."""
 
 import json
 import os
-import pathlib
 import re
 import shutil
 import subprocess
@@ -170,66 +169,8 @@ class Usage(support.Case):
     def test_help(self):
         done = self.run_program(support.command, "--help")
         self.assertEqual((done.returncode, done.stderr), (0, b""))
-        for word in ("probe", "register", "unregister", "--json", "--no-input", "--version", "Exit codes"):
+        for word in ("probe", "register", "unregister", "classes", "--json", "--no-input", "--version", "Exit codes"):
             self.assertIn(word, done.stdout.decode())
         done = self.run_program(support.command, "probe", "--help")
         self.assertEqual((done.returncode, done.stderr), (0, b""))
         self.assertIn("Usage: velandoc probe [OPTIONS] URL...", done.stdout.decode())
-
-
-class Registration(support.Case):
-    def library(self):
-        return support.command.parent.parent / "lib/libvelandoc.so"
-
-    def test_for_this_user(self):
-        self.expect(["register", "--user"], 0,
-                    f"registered {self.library()} in HKEY_CURRENT_USER\\Software\\Classes\n", "")
-        written = (self.registry / "user.reg").read_text(encoding="utf-8")
-        self.assertIn("Velandoc.ServerCheck", written)
-        self.assertIn("{1D477FCE-048A-4657-BFDF-6DD165043E36}", written)
-        self.assertIn(str(self.library()), written)
-        self.expect(["probe", "http://docs.example.test/"], 0,
-                    "http://docs.example.test/: SharePoint server\n", "")
-        self.expect(["unregister", "--user"], 0,
-                    f"unregistered {self.library()} from HKEY_CURRENT_USER\\Software\\Classes\n", "")
-        self.assertNotIn("{1D477FCE-048A-4657-BFDF-6DD165043E36}",
-                         (self.registry / "user.reg").read_text(encoding="utf-8"))
-
-    def test_for_all_users(self):
-        self.expect(["register"], 0,
-                    f"registered {self.library()} in HKEY_LOCAL_MACHINE\\Software\\Classes\n", "")
-        self.assertIn("Velandoc.ServerCheck",
-                      (self.registry / "machine.reg").read_text(encoding="utf-8"))
-        self.expect(["unregister"], 0,
-                    f"unregistered {self.library()} from HKEY_LOCAL_MACHINE\\Software\\Classes\n", "")
-
-    def test_json(self):
-        done = self.run_program(support.command, "register", "--user", "--json")
-        self.assertEqual((done.returncode, done.stderr), (0, b""))
-        self.assertEqual(json.loads(done.stdout),
-                         {"registered": True, "library": str(self.library()),
-                          "key": "HKEY_CURRENT_USER\\Software\\Classes"})
-
-    def test_permission_denied(self):
-        if os.geteuid() == 0:
-            self.skipTest("root is let in everywhere")
-        self.registry.mkdir(mode=0o555)
-        self.expect(["register"], 4, "",
-                    "velandoc: permission denied: to register for all users type this as root or administrator; "
-                    "for you alone type 'velandoc register --user'\n")
-
-    def test_a_broken_registry_stays_as_it_is(self):
-        self.registry.mkdir()
-        broken = self.registry / "user.reg"
-        broken.write_text("not a registry")
-        self.expect(["register", "--user"], 4, "", re.compile(r"velandoc: .*\(0x[0-9A-F]{8}\)\n"))
-        self.assertEqual(broken.read_text(), "not a registry")
-
-    def test_without_the_library(self):
-        bare = self.folder / "bin"
-        bare.mkdir()
-        shutil.copy(support.command, bare)
-        self.environment["LD_LIBRARY_PATH"] = str(support.command.parent.parent / "lib")
-        self.expect(["register", "--user"], 3, "",
-                    re.compile(r"velandoc: cannot load the component's library: .*libvelandoc\.so.*\n"),
-                    program=bare / pathlib.Path(support.command).name)

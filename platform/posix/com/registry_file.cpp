@@ -204,13 +204,18 @@ DWORD ReplaceFile(const std::string& folder, const std::string& path, mode_t mod
 
 }  // namespace
 
-DWORD LoadHive(Hive hive, std::shared_ptr<const RegistryKey>& root) {
+std::string HivePath(Hive hive) {
   const std::string folder = FolderOf(hive);
-  if (folder.empty()) {
+  return folder.empty() ? folder : folder + "/" + TraitsOf(hive).fileName;
+}
+
+DWORD LoadHive(Hive hive, std::shared_ptr<const RegistryKey>& root) {
+  const std::string path = HivePath(hive);
+  if (path.empty()) {
     root = std::make_shared<RegistryKey>();
     return ERROR_SUCCESS;
   }
-  return LoadFile(hive, folder + "/" + TraitsOf(hive).fileName, root);
+  return LoadFile(hive, path, root);
 }
 
 DWORD ChangeHive(Hive hive, const std::function<DWORD(RegistryKey& root)>& change) {
@@ -219,7 +224,7 @@ DWORD ChangeHive(Hive hive, const std::function<DWORD(RegistryKey& root)>& chang
   if (folder.empty()) return ERROR_PATH_NOT_FOUND;
   if (const DWORD error = MakeFolder(folder, traits.folderMode); error != ERROR_SUCCESS)
     return error;
-  const std::string path = folder + "/" + traits.fileName;
+  const std::string path = HivePath(hive);
   const FileDescriptor lockFile(
       open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, traits.fileMode));
   if (!lockFile) return ErrorOf(errno, ERROR_CANTWRITE);

@@ -3,12 +3,16 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "platform/posix/com/registry_tree.h"
 
 namespace velandoc {
 
 enum class Hive { kMachine, kUser };
+
+/// The hive's file in UTF-8, whether it is there or not; empty if the user has no home.
+COM_EXPORT std::string HivePath(Hive hive);
 
 /// The hive as the file holds it now. A missing file is an empty hive. ERROR_BADDB for a file that
 /// can't be understood, ERROR_ACCESS_DENIED or ERROR_CANTREAD for one that can't be read.

@@ -1,11 +1,17 @@
-// IServerCheck and IClient across apartments, through the merged proxies.
+// The component's interfaces across apartments, through the merged proxies.
 #include <gtest/gtest.h>
+#include <rpcproxy.h>
 
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "host/exports.h"
 #include "platform/owners.h"
 #include "velandoc_idl.h"
+
+// The interface compiler's list of what the proxies cover.
+extern "C" const ExtendedProxyFileInfo velandoc_ProxyFileInfo;
 
 namespace velandoc {
 namespace {
@@ -62,6 +68,8 @@ class ProxiesOfThisProcess {
                           &m_cookie);
     CoRegisterPSClsid(IID_IServerCheck, IID_IServerCheck);
     CoRegisterPSClsid(IID_IClient, IID_IServerCheck);
+    CoRegisterPSClsid(IID_IHdfsClient, IID_IServerCheck);
+    CoRegisterPSClsid(IID_IConnectionError, IID_IServerCheck);
   }
   ~ProxiesOfThisProcess() { CoRevokeClassObject(m_cookie); }
   ProxiesOfThisProcess(const ProxiesOfThisProcess&) = delete;
@@ -160,6 +168,129 @@ TEST(ProxyTest, AClientIsReachedFromAnotherApartment) {
     EXPECT_EQ(metaResult, E_FAIL);
   }
   CoUninitialize();
+}
+
+TEST(ProxyTest, FourInterfacesAreCoveredInTheirOrder) {
+  std::vector<std::string> names;
+  for (unsigned short i = 0; i < velandoc_ProxyFileInfo.TableSize; ++i) {
+    names.emplace_back(velandoc_ProxyFileInfo.pNamesArray[i]);
+  }
+  EXPECT_EQ(names, (std::vector<std::string>{"IServerCheck", "IClient", "IHdfsClient",
+                                             "IConnectionError"}));
+}
+
+/// Makes an object of the class in an apartment of its own, with a thread that serves it, and
+/// hands its interface to the caller's apartment; the object goes with the last reference to it.
+class ObjectElsewhere {
+ public:
+  ObjectElsewhere(REFCLSID clsid, REFIID iid) {
+    const HANDLE ready = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    m_done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    m_thread = std::thread([this, clsid, iid, ready] {
+      CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+      {
+        const ProxiesOfThisProcess proxies;
+        ComPtr<IClassFactory> factory;
+        ComPtr<IUnknown> object;
+        DllGetClassObject(clsid, IID_IClassFactory, factory.ReceiveVoid());
+        factory->CreateInstance(nullptr, IID_IUnknown, object.ReceiveVoid());
+        marshalled = CoMarshalInterThreadInterfaceInStream(iid, object.Get(), &m_stream);
+        thread = GetCurrentThreadId();
+        SetEvent(ready);
+        PumpUntil(m_done);
+      }
+      CoUninitialize();
+    });
+    WaitForSingleObject(ready, 20000);
+    CloseHandle(ready);
+  }
+  ~ObjectElsewhere() {
+    SetEvent(m_done);
+    m_thread.join();
+    CloseHandle(m_done);
+  }
+  ObjectElsewhere(const ObjectElsewhere&) = delete;
+  ObjectElsewhere& operator=(const ObjectElsewhere&) = delete;
+
+  /// Once.
+  HRESULT Unmarshal(REFIID iid, void** object) {
+    IStream* const stream = m_stream;
+    m_stream = nullptr;
+    return CoGetInterfaceAndReleaseStream(stream, iid, object);
+  }
+
+  HRESULT marshalled = E_FAIL;
+  DWORD thread = 0;
+
+ private:
+  IStream* m_stream = nullptr;
+  HANDLE m_done = nullptr;
+  std::thread m_thread;
+};
+
+class ForeignObjectTest : public ::testing::Test {
+ protected:
+  ForeignObjectTest() { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
+  ~ForeignObjectTest() override { CoUninitialize(); }
+};
+
+TEST_F(ForeignObjectTest, AnHdfsClientIsDrivenFromAnotherSingleThreadedApartment) {
+  const ProxiesOfThisProcess proxies;
+  for (const CLSID& clsid : {CLSID_HdfsClient, CLSID_HdfsClientWinHttp}) {
+    ObjectElsewhere elsewhere(clsid, IID_IHdfsClient);
+    ASSERT_EQ(elsewhere.marshalled, S_OK);
+    EXPECT_NE(elsewhere.thread, GetCurrentThreadId());
+    ComPtr<IHdfsClient> client;
+    ASSERT_EQ(elsewhere.Unmarshal(IID_IHdfsClient, client.ReceiveVoid()), S_OK);
+    EXPECT_EQ(client->put_Port(50470), S_OK);
+    USHORT port = 0;
+    EXPECT_EQ(client->get_Port(&port), S_OK);
+    EXPECT_EQ(port, 50470);
+    EXPECT_EQ(client->put_ServerName(Bstr(L"h\u00E9").Get()), S_OK);
+    Bstr url;
+    EXPECT_EQ(client->get_BaseUrl(url.Receive()), S_OK);
+    EXPECT_NE(url.Text().find(L"h\u00E9"), std::wstring::npos);
+    // Nothing listens on this port: a request that fails, whose error is an object of its own.
+    EXPECT_EQ(client->put_ServerName(Bstr(L"127.0.0.1").Get()), S_OK);
+    EXPECT_EQ(client->put_Port(1), S_OK);
+    Bstr text;
+    EXPECT_TRUE(FAILED(client->GetText(text.Receive())));
+    ComPtr<IConnectionError> error;
+    ASSERT_EQ(client->get_ConnectionError(error.Receive()), S_OK);
+    ASSERT_TRUE(error);
+    LONG code = 7;
+    EXPECT_EQ(error->get_HttpCode(&code), S_OK);
+    EXPECT_EQ(code, 0);
+    Bstr message;
+    EXPECT_EQ(error->get_Message(message.Receive()), S_OK);
+  }
+}
+
+TEST_F(ForeignObjectTest, AClientAndAServerCheckToo) {
+  const ProxiesOfThisProcess proxies;
+  ObjectElsewhere check(CLSID_ServerCheck, IID_IServerCheck);
+  ComPtr<IServerCheck> checker;
+  ASSERT_EQ(check.Unmarshal(IID_IServerCheck, checker.ReceiveVoid()), S_OK);
+  VARIANT_BOOL isServer = VARIANT_TRUE;
+  EXPECT_EQ(checker->Check(Bstr(L"no scheme").Get(), &isServer), S_OK);
+  EXPECT_EQ(isServer, VARIANT_FALSE);
+  ObjectElsewhere document(CLSID_Client, IID_IClient);
+  ComPtr<IClient> client;
+  ASSERT_EQ(document.Unmarshal(IID_IClient, client.ReceiveVoid()), S_OK);
+  INT status = 7;
+  EXPECT_EQ(client->GetCheckOutStatus(&status), S_OK);
+  EXPECT_EQ(status, -1);
+}
+
+TEST_F(ForeignObjectTest, RawRequestsStayInTheirApartment) {
+  const ProxiesOfThisProcess proxies;
+  ObjectElsewhere elsewhere(CLSID_HdfsClient, IID_IRawRequest);
+  EXPECT_TRUE(FAILED(elsewhere.marshalled));
+  ObjectElsewhere reachable(CLSID_HdfsClient, IID_IHdfsClient);
+  ComPtr<IHdfsClient> client;
+  ASSERT_EQ(reachable.Unmarshal(IID_IHdfsClient, client.ReceiveVoid()), S_OK);
+  ComPtr<IRawRequest> raw;
+  EXPECT_EQ(client->QueryInterface(IID_IRawRequest, raw.ReceiveVoid()), E_NOINTERFACE);
 }
 
 }  // namespace

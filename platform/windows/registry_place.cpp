@@ -1,0 +1,7 @@
+#include "platform/registry_place.h"
+
+namespace velandoc {
+
+std::string RegistryPlace(HKEY) { return {}; }
+
+}  // namespace velandoc

@@ -288,6 +288,14 @@ def lane_registration(lane):
                                     WINDOWS / "bin/velandoc.dll"], timeout=900)
 
 
+def lane_module(lane):
+    """The library in both homes: exports, needs, a thousand loads, satellites, use without registration."""
+    lane.build("native")
+    wine_prefix(lane)
+    lane.unittest("module", [PYTHON, "-B", TOP / "tests/module/module_test.py", "--native", NATIVE, "--windows",
+                             WINDOWS, "--wine", TOP / "tools/wine"], timeout=1200)
+
+
 def lane_standin(lane):
     """The stand-in server itself."""
     lane.build("native", "velandoc-standin")
@@ -399,6 +407,7 @@ LANES = {
     "wine": lane_wine,
     "registration": lane_registration,
     "dialog": lane_dialog,
+    "module": lane_module,
     "scripts": lane_scripts,
     "memory": lane_memory,
     "fuzz": lane_fuzz,

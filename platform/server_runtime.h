@@ -38,6 +38,13 @@ class ServerRuntime {
   virtual LCID GetThreadLocale() = 0;
   virtual BOOL SetThreadLocale(LCID lcid) = 0;
 
+  /// Keeps other processes from registering or unregistering in the same place (the user's or the
+  /// machine's) until UnlockRegistration. Null if that can't be had within ten seconds, or at all:
+  /// what then fails tells why. Windows has no such lock, and null.
+  virtual HANDLE LockRegistration(bool forUser) = 0;
+  /// Null is nothing to unlock.
+  virtual void UnlockRegistration(HANDLE lock) = 0;
+
   /// HRESULTs of the system: those of LoadTypeLib and of the registry.
   virtual HRESULT RegisterTypeLib(const TypeLibrary& library) = 0;
   /// A library that is not registered: TYPE_E_REGISTRYACCESS.

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <iterator>
 #include <system_error>
+#include <utility>
 
 #include "hosts/text_encoding.h"
 #include "platform/registry_key.h"

@@ -3,10 +3,13 @@
 #include "platform/server_runtime.h"
 
 #include <array>
+#include <memory>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "platform/owners.h"
+#include "platform/posix/com/registry_file.h"
 #include "platform/registry_key.h"
 
 namespace velandoc {
@@ -114,6 +117,14 @@ class PosixServerRuntime final : public ServerRuntime {
   BOOL SetThreadLocale(LCID lcid) override {
     t_locale = lcid;
     return TRUE;
+  }
+
+  HANDLE LockRegistration(bool forUser) override {
+    FileDescriptor lock = LockHive(forUser ? Hive::kUser : Hive::kMachine);
+    return lock ? std::make_unique<FileDescriptor>(std::move(lock)).release() : nullptr;
+  }
+  void UnlockRegistration(HANDLE lock) override {
+    const std::unique_ptr<FileDescriptor> held(static_cast<FileDescriptor*>(lock));
   }
 
   HRESULT RegisterTypeLib(const TypeLibrary& library) override {

@@ -60,6 +60,9 @@ class WindowsServerRuntime final : public ServerRuntime {
   LCID GetThreadLocale() override { return ::GetThreadLocale(); }
   BOOL SetThreadLocale(LCID lcid) override { return ::SetThreadLocale(lcid); }
 
+  HANDLE LockRegistration(bool) override { return nullptr; }
+  void UnlockRegistration(HANDLE) override {}
+
   HRESULT RegisterTypeLib(const TypeLibrary& library) override {
     return Register(library, &::RegisterTypeLib);
   }

@@ -95,7 +95,7 @@ class Registration(support.Case):
                 _, said = writer.communicate(timeout=60)
                 self.assertEqual((writer.returncode, said), (0, b""))
             self.assertEqual((self.registry / "user.reg").read_bytes(), alone)
-        self.assertEqual(sorted(path.name for path in self.registry.iterdir()), ["user.reg", "user.reg.lock"])
+        self.assertEqual(sorted(path.name for path in self.registry.iterdir()), ["user.reg", "user.reg.lock", "user.reg.registration.lock"])
 
 
 class Classes(support.Case):

@@ -1,6 +1,8 @@
 // A ServerRuntime for tests that records the calls in order and answers as told.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <map>
 #include <string>
 #include <vector>
@@ -20,6 +22,8 @@ class RecordingRuntime : public ServerRuntime {
   /// The library that the last type library operation was given.
   TypeLibrary library{};
   HINSTANCE proxyModule = nullptr;
+  /// "machine and unlocked" once a registration has ended.
+  std::string locked;
 
   LCID GetThreadLocale() override {
     calls.push_back("GetThreadLocale");
@@ -29,6 +33,14 @@ class RecordingRuntime : public ServerRuntime {
     calls.push_back("SetThreadLocale " + std::to_string(lcid));
     locale = lcid;
     return TRUE;
+  }
+  HANDLE LockRegistration(bool forUser) override {
+    locked = forUser ? "user" : "machine";
+    return this;
+  }
+  void UnlockRegistration(HANDLE lock) override {
+    EXPECT_EQ(lock, this);
+    locked += " and unlocked";
   }
   HRESULT RegisterTypeLib(const TypeLibrary& given) override {
     library = given;

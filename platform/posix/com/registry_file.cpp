@@ -209,6 +209,16 @@ std::string HivePath(Hive hive) {
   return folder.empty() ? folder : folder + "/" + TraitsOf(hive).fileName;
 }
 
+FileDescriptor LockHive(Hive hive) {
+  const HiveTraits& traits = TraitsOf(hive);
+  const std::string folder = FolderOf(hive);
+  if (folder.empty() || MakeFolder(folder, traits.folderMode) != ERROR_SUCCESS) return {};
+  FileDescriptor file(open((HivePath(hive) + ".registration.lock").c_str(),
+                           O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, traits.fileMode));
+  if (!file || Lock(file) != ERROR_SUCCESS) return {};
+  return file;
+}
+
 DWORD LoadHive(Hive hive, std::shared_ptr<const RegistryKey>& root) {
   const std::string path = HivePath(hive);
   if (path.empty()) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/posix/com/file_descriptor.h"
 #include "platform/posix/com/registry_tree.h"
 
 namespace velandoc {
@@ -13,6 +14,11 @@ enum class Hive { kMachine, kUser };
 
 /// The hive's file in UTF-8, whether it is there or not; empty if the user has no home.
 COM_EXPORT std::string HivePath(Hive hive);
+
+/// A lock over several changes, for those who ask for it alone: while the descriptor is open,
+/// others wait for it up to ten seconds. It keeps nobody from a single change. Nothing if it can't
+/// be had.
+COM_EXPORT FileDescriptor LockHive(Hive hive);
 
 /// The hive as the file holds it now. A missing file is an empty hive. ERROR_BADDB for a file that
 /// can't be understood, ERROR_ACCESS_DENIED or ERROR_CANTREAD for one that can't be read.

@@ -229,6 +229,15 @@ TEST_F(ExportsTest, PerUserRegistrationIsNeverTurnedOffAgain) {
   EXPECT_THAT(registry.Dump(), Not(Contains("HKCR\\Velandoc.ServerCheck")));
 }
 
+TEST_F(ExportsTest, OthersWaitWhileItRegisters) {
+  EXPECT_EQ(DllRegisterServer(), S_OK);
+  EXPECT_EQ(runtime.locked, "machine and unlocked");
+  runtime.locked.clear();
+  registry.FailCall(1, ERROR_ACCESS_DENIED);
+  EXPECT_EQ(DllInstall(FALSE, OLESTR("user")), E_ACCESSDENIED);
+  EXPECT_EQ(runtime.locked, "user and unlocked");
+}
+
 TEST_F(ExportsTest, WithoutTheForUserFunctionsTheTypeLibraryIsTheMachines) {
   runtime.offersForUser = false;
   EXPECT_EQ(DllInstall(TRUE, OLESTR("user")), S_OK);

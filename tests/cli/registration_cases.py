@@ -17,10 +17,16 @@ CLASSES = (
 )
 
 
-class Registration(support.Case):
+class RegistryCase(support.Case):
     def library(self):
         return support.command.parent.parent / "lib/libvelandoc.so"
 
+    def succeed(self, *arguments):
+        done = self.run_program(support.command, *arguments)
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+
+
+class Registration(RegistryCase):
     def test_for_this_user(self):
         self.expect(["register", "--user"], 0,
                     f"registered {self.library()} in HKEY_CURRENT_USER\\Software\\Classes ({self.registry}/user.reg)\n", "")
@@ -84,7 +90,7 @@ class Registration(support.Case):
         self.assertEqual(file.stat().st_mode & 0o777, 0o600)
 
     def test_two_at_once_leave_a_whole_registry(self):
-        self.expect(["register", "--user"], 0, re.compile("registered .*\n"), "")
+        self.succeed("register", "--user")
         alone = (self.registry / "user.reg").read_bytes()
         (self.registry / "user.reg").unlink()
         for _ in range(5):
@@ -98,10 +104,7 @@ class Registration(support.Case):
         self.assertEqual(sorted(path.name for path in self.registry.iterdir()), ["user.reg", "user.reg.lock", "user.reg.registration.lock"])
 
 
-class Classes(support.Case):
-    def library(self):
-        return support.command.parent.parent / "lib/libvelandoc.so"
-
+class Classes(RegistryCase):
     def listed(self, *lines):
         return "".join(f"{name} {identifier}\n" + "".join(f"  {line}\n" for line in lines)
                        for name, identifier in CLASSES)
@@ -111,11 +114,11 @@ class Classes(support.Case):
         self.assertFalse(self.registry.exists())
 
     def test_the_users_come_before_the_machines(self):
-        self.expect(["register"], 0, re.compile("registered .*\n"), "")
+        self.succeed("register")
         self.expect(["classes"], 0, self.listed(f"machine: {self.library()}"), "")
-        self.expect(["register", "--user"], 0, re.compile("registered .*\n"), "")
+        self.succeed("register", "--user")
         self.expect(["classes"], 0, self.listed(f"user: {self.library()}", f"machine: {self.library()}"), "")
-        self.expect(["unregister"], 0, re.compile("unregistered .*\n"), "")
+        self.succeed("unregister")
         self.expect(["classes"], 0, self.listed(f"user: {self.library()}"), "")
 
     def test_a_library_that_is_gone(self):
@@ -129,7 +132,7 @@ class Classes(support.Case):
         self.assertEqual(done.stdout.decode().count("not registered"), 3)
 
     def test_json(self):
-        self.expect(["register", "--user"], 0, re.compile("registered .*\n"), "")
+        self.succeed("register", "--user")
         done = self.run_program(support.command, "classes", "--json")
         self.assertEqual((done.returncode, done.stderr), (0, b""))
         self.assertEqual(json.loads(done.stdout), [

@@ -38,7 +38,9 @@ class Native(unittest.TestCase):
 
     def exported(self, library):
         lines = output_of("nm", "-D", "--defined-only", "--format=posix", library).splitlines()
-        return sorted(line.split()[0] for line in lines)
+        # What the compiler leaves of the standard library's templates is not ours to promise.
+        return sorted(name for name in (line.split()[0] for line in lines)
+                      if not re.match(r"_Z(Z?N|T[ISV]|Z)?St", name))
 
     def test_the_library_exports_five_functions(self):
         self.assertEqual(self.exported(self.library), EXPORTS)
@@ -51,8 +53,8 @@ class Native(unittest.TestCase):
         for library in (self.library, self.runtime):
             self.assertNotRegex(output_of("ldd", library).lower(), r"gtk|gdk|webkit|glib-|libx11|wayland")
 
-    def test_a_thousand_loads_leave_nothing(self):
-        said = output_of(options.native / "bin/load_cycles", self.library, "1000")
+    def test_two_thousand_loads_leave_nothing(self):
+        said = output_of(options.native / "bin/load_cycles", self.library, "2000")
         self.assertTrue(said.endswith("flat\n"), said)
 
     def tree(self):
@@ -64,18 +66,20 @@ class Native(unittest.TestCase):
         shutil.copy(options.native / "satellite/german.res.dll", self.folder / "lib/de-DE/libvelandoc.res.dll")
 
     def message(self, **variables):
-        """The source of the error that a folder with impossible permissions makes."""
+        """What the WinHTTP client says of a server that nobody can reach."""
         script = self.folder / "source.js"
-        script.write_text("var client = new ActiveXObject('Velantrica.HdfsClient');\n"
-                          "try { client.CreateFolder('888'); } catch (e) { WScript.Echo(escape(e.source || '')); }\n")
+        script.write_text("var client = new ActiveXObject('Velantrica.HdfsWinHttpClient');\n"
+                          "client.ServerName = '127.0.0.1';\nclient.Port = 1;\n"
+                          "try { client.GetText(); } catch (e) {}\n"
+                          "WScript.Echo(client.ConnectionError.Message);\n")
         environment = {key: value for key, value in os.environ.items()
                        if not key.startswith("LC_") and key not in ("LANG", "LANGUAGE")}
         environment.update(variables, VELANDOC_REGISTRY_DIR=str(self.folder / "registry"),
                            LD_LIBRARY_PATH=str(self.folder / "lib"))
         return output_of(self.folder / "bin/velandoc-script", script, env=environment).strip()
 
-    GERMAN = "HDFS-Client%3A%20Ordner%20f%FCr%20Dateien%20anlegen"
-    ENGLISH = "HDFS%20CreateFolder"
+    GERMAN = "Unbekannter Verbindungsfehler beim Server."
+    ENGLISH = "Unknown connection error with server."
 
     def test_errors_come_in_the_users_language(self):
         self.tree()

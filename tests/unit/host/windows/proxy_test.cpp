@@ -1,6 +1,5 @@
 // The component's interfaces across apartments, through the merged proxies.
 #include <gtest/gtest.h>
-#include <rpcproxy.h>
 
 #include <string>
 #include <thread>
@@ -10,8 +9,22 @@
 #include "platform/owners.h"
 #include "velandoc_idl.h"
 
+namespace velandoc {
+
+/// The beginning of the system's ExtendedProxyFileInfo, whose header is for C alone.
+struct ProxyFile {
+  const void* proxies;
+  const void* stubs;
+  const char* const* names;
+  const void* delegated;
+  const void* lookUp;
+  unsigned short count;
+};
+
+}  // namespace velandoc
+
 // The interface compiler's list of what the proxies cover.
-extern "C" const ExtendedProxyFileInfo velandoc_ProxyFileInfo;
+extern "C" const velandoc::ProxyFile velandoc_ProxyFileInfo;
 
 namespace velandoc {
 namespace {
@@ -172,8 +185,8 @@ TEST(ProxyTest, AClientIsReachedFromAnotherApartment) {
 
 TEST(ProxyTest, FourInterfacesAreCoveredInTheirOrder) {
   std::vector<std::string> names;
-  for (unsigned short i = 0; i < velandoc_ProxyFileInfo.TableSize; ++i) {
-    names.emplace_back(velandoc_ProxyFileInfo.pNamesArray[i]);
+  for (unsigned short i = 0; i < velandoc_ProxyFileInfo.count; ++i) {
+    names.emplace_back(velandoc_ProxyFileInfo.names[i]);
   }
   EXPECT_EQ(names, (std::vector<std::string>{"IServerCheck", "IClient", "IHdfsClient",
                                              "IConnectionError"}));

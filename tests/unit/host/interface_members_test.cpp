@@ -41,7 +41,8 @@ const std::vector<MemberText> kClient = {
     {"23 method EditFields()", "BOOL HasUnfilledFields", ""},
 };
 
-// 9 and 13 are nobody's. Two properties have the put before the get.
+// 9 and 13 are nobody's. Two properties have the put before the get; of those the library tells the
+// put's names alone, which are none.
 const std::vector<MemberText> kHdfsClient = {
     {"1 get Port()", "UI2 pVal", "property Port"},
     {"1 put Port(UI2)", "", "property Port"},
@@ -52,12 +53,12 @@ const std::vector<MemberText> kHdfsClient = {
     {"4 method Download(BOOL RandomName = 0, BSTR LocalPath = '')", "BSTR SavedPath",
      "method Download"},
     {"5 put BaseUrl(BSTR)", "", "property BaseUrl"},
-    {"5 get BaseUrl()", "BSTR pVal", "property BaseUrl"},
+    {"5 get BaseUrl()", "BSTR", "property BaseUrl"},
     {"6 method Stream()", "IStream* pVal", "method Stream"},
     {"7 method DownloadPreview(I4 NumberOfLines = 1000)", "BSTR SavedPath",
      "method DownloadPreview"},
     {"8 put UserName(BSTR)", "", "property UserName"},
-    {"8 get UserName()", "BSTR pVal", "property UserName"},
+    {"8 get UserName()", "BSTR", "property UserName"},
     {"10 method VerifyServer(BSTR URL, VARIANT UserName?)", "BOOL bRet", "method VerifyServer"},
     {"11 get Secure()", "BOOL pVal", "property Secure"},
     {"11 put Secure(BOOL)", "", "property Secure"},

@@ -83,7 +83,8 @@ MemberText Describe(ITypeInfo& info, const FUNCDESC& function) {
     const BSTR* const name = function.invkind != INVOKE_PROPERTYPUT ? &names[at + 1] : nullptr;
     if ((argument.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0) {
       EXPECT_EQ(argument.tdesc.vt, VT_PTR) << text.member;
-      text.result = TypeText(info, *argument.tdesc.lptdesc) + " " + DescribeText(ViewOf(*name));
+      text.result = TypeText(info, *argument.tdesc.lptdesc);
+      if (*name != nullptr) text.result += " " + DescribeText(ViewOf(*name));
       continue;
     }
     text.member += (at != 0 ? ", " : "") + ArgumentText(info, argument, name);

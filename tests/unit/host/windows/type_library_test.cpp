@@ -70,7 +70,8 @@ std::map<std::wstring, std::wstring> Types(ITypeLib& library) {
         info->GetDocumentation(MEMBERID_NIL, name.Receive(), help.Receive(), nullptr, nullptr),
         S_OK);
     EXPECT_EQ(info->GetTypeAttr(&attributes), S_OK);
-    const wchar_t* const kinds[] = {L"enum", L"", L"", L"interface", L"dispatch", L"coclass"};
+    const wchar_t* const kinds[] = {L"enum",     L"record",  L"module", L"interface",
+                                    L"dispatch", L"coclass", L"alias",  L"union"};
     std::wstring text = kinds[attributes->typekind];
     if ((attributes->wTypeFlags & TYPEFLAG_FDUAL) != 0) text += L" dual";
     if ((attributes->wTypeFlags & TYPEFLAG_FNONEXTENSIBLE) != 0) text += L" nonextensible";
@@ -109,7 +110,7 @@ TEST(TypeLibraryTest, ItDeclaresTheseTypesAndNoOthers) {
       {L"HdfsClientWinHttp",
        L"coclass creatable {4A45908C-EF4C-4D12-951B-9595D9CC208B} 'HdfsClientWinHttp Class'"},
   };
-  // The system's types that the members name are copied into the library.
+  // The system's structures that the members name are copied into the library.
   std::map<std::wstring, std::wstring> found = Types(*library);
   std::erase_if(found, [&](const auto& type) {
     return expected.count(type.first) == 0 && type.first != L"Unknown" &&

@@ -2,10 +2,11 @@
 // (registration_free.exe.manifest) names the component's assembly, so nothing needs to be
 // registered. Prints a line a class.
 #include <windows.h>
+// Behind windows.h, which it needs.
+#include <ole2.h>
 
 #include <cstdio>
-
-#include <ole2.h>
+#include <initializer_list>
 
 int main() {
   CoInitialize(nullptr);

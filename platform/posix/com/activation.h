@@ -24,8 +24,8 @@ STDAPI_(void) COM_EXPORT CoTaskMemFree(LPVOID memory);
 
 /// Class objects are looked for in this order: those registered in the process, the classes of the
 /// runtime itself (DOMDocument60), the library that the registry names (user before machine), and
-/// the component's library beside the program or in ../lib of it. REGDB_E_CLASSNOTREG when none of
-/// them serves the class.
+/// the component's library beside the program, in ../lib of its folder, or beside the runtime.
+/// REGDB_E_CLASSNOTREG when none of them serves the class.
 STDAPI COM_EXPORT CoGetClassObject(REFCLSID clsid, DWORD context, LPVOID reserved, REFIID riid,
                                    LPVOID* object);
 STDAPI COM_EXPORT CoCreateInstance(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID riid,

@@ -99,6 +99,7 @@ std::string FindComponentLibrary() {
   }
   if (const std::string runtime = RuntimePath(); !runtime.empty()) {
     folders.push_back(FolderOf(runtime));
+    folders.push_back(FolderOf(runtime) + "/velandoc");
   }
   for (const std::string& folder : folders) {
     std::string path = folder + '/' + kLibraryName;

@@ -11,8 +11,9 @@ namespace velandoc {
 /// CO_E_ERRORINDLL if it doesn't serve classes.
 HRESULT GetClassObjectOf(const std::string& path, REFCLSID clsid, REFIID riid, void** object);
 
-/// The component's library beside the program, in ../lib of it, or beside this runtime; empty if it
-/// is in none.
-std::string FindComponentLibrary();
+/// The component's library: beside the program, in ../lib of the program's folder, beside this
+/// runtime, or in the folder velandoc beside this runtime, where packages put it. Empty if it is in
+/// none.
+COM_EXPORT std::string FindComponentLibrary();
 
 }  // namespace velandoc

@@ -5,16 +5,16 @@
 #include <filesystem>
 #include <system_error>
 
+#include "platform/posix/com/server_library.h"
+
 namespace velandoc {
 
 std::string ComponentLibraryPath() {
+  const std::string found = FindComponentLibrary();
+  if (!found.empty()) return found;
   std::error_code error;
   const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-  const std::filesystem::path folder = program.parent_path();
-  const std::filesystem::path installed = folder.parent_path() / "lib" / "libvelandoc.so";
-  const std::filesystem::path beside = folder / "libvelandoc.so";
-  const bool serves = std::filesystem::exists(installed, error);
-  return (!serves && std::filesystem::exists(beside, error) ? beside : installed).string();
+  return (program.parent_path().parent_path() / "lib" / "libvelandoc.so").string();
 }
 
 void* LoadSharedLibrary(const std::string& path, std::string& problem) {

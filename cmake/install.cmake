@@ -1,5 +1,5 @@
-# What `cmake --install` puts where on Linux, in the components that the packages are cut along: library, command,
-# development. The component itself lies in a folder of its own below the runtime's: nothing links with it, it is loaded
+# What `cmake --install` puts where on Linux, in the components that the packages are cut along: library, dialog,
+# command, development. The component itself lies in a folder of its own below the runtime's: nothing links with it, it is loaded
 # by the runtime, which looks there (platform/posix/com/server_library.cpp).
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -11,6 +11,11 @@ install(TARGETS velandoc_com
 set_target_properties(velandoc PROPERTIES INSTALL_RPATH "$ORIGIN/..")
 set_target_properties(velandoc_command velandoc_script PROPERTIES
   INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+if(TARGET velandoc_dialog)
+  # Beside the component, which loads it.
+  set_target_properties(velandoc_dialog PROPERTIES INSTALL_RPATH "$ORIGIN/..")
+  install(TARGETS velandoc_dialog LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/velandoc COMPONENT dialog)
+endif()
 install(TARGETS velandoc_command velandoc_script
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT command)
 

@@ -21,7 +21,7 @@ import registration_test as registration  # noqa: E402
 import support  # noqa: E402
 
 INSTALLED = r"C:\Program Files\Velandoc"
-FILES = {"LICENSE.txt", "velandoc.dll", "velandoc.dll.manifest", "velandoc.exe", "velandoc.idl", "velandoc.tlb",
+FILES = {"LICENSE.txt", "Velandoc.Component.manifest", "velandoc.dll", "velandoc.exe", "velandoc.idl", "velandoc.tlb",
          "velandoc_idl.h"}
 SAMPLES = {path.name for path in (TOP / "samples").iterdir() if path.suffix in (".js", ".vbs", ".ps1", ".bas")}
 DOCUMENT = "http://docs.example.test/sites/a/Shared%20Documents/b.xlsx"

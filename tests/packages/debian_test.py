@@ -62,6 +62,8 @@ def clean_tree(tree):
     shutil.rmtree(tree, ignore_errors=True)
     made = subprocess.run(["debootstrap", "--variant=minbase", f"--include={TREE_PACKAGES}", "bookworm", tree, uri],
                           stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=900, check=False)
+    # It leaves its view of the processes mounted where it fails, and in some systems where it does not.
+    subprocess.run(["umount", "--quiet", "--lazy", tree / "proc"], stderr=subprocess.DEVNULL, check=False)
     if made.returncode != 0:
         shutil.rmtree(tree, ignore_errors=True)
         return "debootstrap failed: " + (made.stdout + made.stderr).strip().splitlines()[-1]
@@ -93,7 +95,7 @@ class Tree:
 def copy_of(tree):
     folder = tree.with_name(tree.name + "-used")
     shutil.rmtree(folder, ignore_errors=True)
-    subprocess.run(["cp", "-a", "--reflink=auto", tree, folder], check=True)
+    subprocess.run(["cp", "-a", "--one-file-system", tree, folder], check=True)
     for name in ("resolv.conf", "hosts"):
         shutil.copy(f"/etc/{name}", folder / "etc" / name)
     mounted = []

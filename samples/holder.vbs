@@ -17,11 +17,11 @@ Function HolderOf(url)
   End If
 End Function
 
-Dim url
+Dim i
 If WScript.Arguments.Count = 0 Then
   WScript.Echo "usage: cscript //nologo holder.vbs URL..."
   WScript.Quit 2
 End If
-For Each url In WScript.Arguments
-  WScript.Echo url & ": " & HolderOf(url)
+For i = 0 To WScript.Arguments.Count - 1
+  WScript.Echo WScript.Arguments(i) & ": " & HolderOf(WScript.Arguments(i))
 Next

@@ -1,10 +1,11 @@
-// Tells who holds documents of SharePoint libraries, through the component's own interface. The
-// same source serves both systems:
+// Tells who holds documents of SharePoint libraries, through the component's own interface. One
+// source for both systems.
 //
-//   Linux    cmake -B build && cmake --build build            (with libvelandoc-dev; see
-//   CMakeLists.txt) Windows  x86_64-w64-mingw32-g++ -std=c++20 -static -I.. holder.cpp -lole32
-//   -loleaut32 -luuid
-//            (velandoc_idl.h lies beside velandoc.dll, which must be registered)
+// Linux, with the package libvelandoc-dev (CMakeLists.txt):
+//   cmake -B build && cmake --build build
+//
+// Windows, with velandoc.dll registered and the folder of velandoc_idl.h in place of DIR:
+//   x86_64-w64-mingw32-g++ -std=c++20 -static -I DIR holder.cpp -lole32 -loleaut32 -luuid
 #include <initguid.h>
 
 #include <velandoc_idl.h>
@@ -29,14 +30,28 @@ class Text {
   BSTR m_text = nullptr;
 };
 
-std::string Narrow(const Text& text) {
-  // Enough for this sample: names in ASCII.
-  std::string narrow;
-  for (UINT i = 0; i < SysStringLen(text.get()); ++i) {
-    const auto unit = static_cast<unsigned>(text.get()[i]);
-    narrow += unit < 128 ? static_cast<char>(unit) : '?';
+/// UTF-8, which a Windows console shows after "chcp 65001".
+std::string Utf8(const Text& text) {
+  constexpr unsigned kLead[] = {0, 0xC0, 0xE0, 0xF0};
+  std::string bytes;
+  const UINT length = SysStringLen(text.get());
+  for (UINT i = 0; i < length; ++i) {
+    unsigned long point = static_cast<unsigned>(text.get()[i]) & 0xFFFF;
+    if (point >= 0xD800 && point < 0xDC00 && i + 1 < length) {
+      const unsigned long low = static_cast<unsigned>(text.get()[++i]) & 0xFFFF;
+      point = 0x10000 + ((point - 0xD800) << 10) + (low - 0xDC00);
+    }
+    if (point < 0x80) {
+      bytes += static_cast<char>(point);
+      continue;
+    }
+    const int more = point < 0x800 ? 1 : point < 0x10000 ? 2 : 3;
+    bytes += static_cast<char>(kLead[more] | (point >> (6 * more)));
+    for (int k = more - 1; k >= 0; --k) {
+      bytes += static_cast<char>(0x80 | ((point >> (6 * k)) & 0x3F));
+    }
   }
-  return narrow;
+  return bytes;
 }
 
 std::string HolderOf(IClient* document, const std::basic_string<OLECHAR>& url) {
@@ -50,7 +65,7 @@ std::string HolderOf(IClient* document, const std::basic_string<OLECHAR>& url) {
   if (id.empty()) return "no such document";
   Text holder;
   if (FAILED(document->get_SharePointCheckoutUser(holder.receive()))) return "not known";
-  return holder.empty() ? "nobody" : Narrow(holder);
+  return holder.empty() ? "nobody" : Utf8(holder);
 }
 
 }  // namespace
@@ -71,7 +86,7 @@ int main(int argc, char** argv) {
   }
   if (SUCCEEDED(result)) {
     for (int i = 1; i < argc; ++i) {
-      const std::string url = argv[i];
+      const std::string url = argv[i];  // escaped, as URLs are: ASCII
       std::printf("%s: %s\n", argv[i],
                   HolderOf(document, std::basic_string<OLECHAR>(url.begin(), url.end())).c_str());
     }

@@ -11,18 +11,15 @@ that does not show any more fails, too.
 import json
 import pathlib
 import re
-import subprocess
 import sys
-import tempfile
-import time
 import unittest
-import xml.etree.ElementTree
 
 import run_case
+from both_homes import BothHomes, comparable
+from sample_cases import CppSamples, HolderSamples, Samples  # noqa: F401  (they run with the cases below)
 
 FOLDER = pathlib.Path(__file__).resolve().parent
 DIFFERENCES = json.loads((FOLDER / "differences.json").read_text(encoding="utf-8"))
-CERTIFICATES = run_case.TOP / "build/certificates"
 
 
 def with_declared(case, home, lines):
@@ -31,60 +28,6 @@ def with_declared(case, home, lines):
     used = {entry["reason"] for entry in declared if entry[home] in lines}
     replaced = {entry[home]: f"<{entry['reason']}>" for entry in declared}
     return [replaced.get(line, line) for line in lines], used, {entry["reason"] for entry in declared}
-
-
-def comparable_body(body):
-    try:
-        # The replacement: differences.json, no_namespace.
-        return xml.etree.ElementTree.canonicalize(body, strip_text=True).replace(' xmlns=""', "")
-    except xml.etree.ElementTree.ParseError:
-        return body
-
-
-def comparable(record):
-    """A request as it is compared; differences.json gives the reasons, under the names that stand here."""
-    head = record["head"]
-    body = record.get("body", record.get("body_sha256", ""))
-    if comparable_body(body) != body:  # differences.json, xml_bodies
-        head = re.sub(r"(?im)^(Content-Length:) \d+", r"\1 <of XML>", head)
-    fields = head.split("\r\n")
-    if record["method"] == "CONNECT":  # differences.json, connect_head
-        fields = fields[:1]
-    elif record["connect_host"]:  # differences.json, length_behind_connect
-        fields.sort(key=lambda field: field.lower().startswith("content-length:"))
-    elif record.get("role") == "data node":  # differences.json, host_behind_redirect
-        fields.sort(key=lambda field: field.startswith("Host:"))
-    return {"method": record["method"], "target": record["target"], "host": record["host"],
-            "tls": record["tls"], "head": fields, "body": comparable_body(body)}
-
-
-class BothHomes(unittest.TestCase):
-    """A stand-in server and the two homes for a class of tests."""
-
-    maxDiff = None
-
-    @classmethod
-    def setUpClass(cls):
-        cls.folder = tempfile.TemporaryDirectory(prefix="velandoc-scripts-")
-        ready = pathlib.Path(cls.folder.name) / "ready.json"
-        cls.process = subprocess.Popen(
-            [run_case.TOP / "build/native/bin/velandoc-standin", "--certs", CERTIFICATES, "--log",
-             pathlib.Path(cls.folder.name) / "requests.jsonl", "--ready", ready, "--max-seconds", "1200"],
-            stdin=subprocess.DEVNULL)
-        cls.addClassCleanup(cls.stop)
-        deadline = time.monotonic() + 20
-        while not ready.exists():
-            if cls.process.poll() is not None or time.monotonic() > deadline:
-                raise RuntimeError("the stand-in server does not start")
-            time.sleep(0.02)
-        cls.server = run_case.StandIn(ready)
-        cls.homes = {name: make(cls.server.ports) for name, make in run_case.HOMES.items()}
-
-    @classmethod
-    def stop(cls):
-        cls.process.terminate()
-        cls.process.wait(timeout=20)
-        cls.folder.cleanup()
 
 
 class ScriptCases(BothHomes):
@@ -250,52 +193,6 @@ class HdfsCommand(BothHomes):
     def test_mkdir(self):
         self.assertEqual(self.compare(0, "wininet", "mkdir", "/a/b", "--permission", "700").lines, ["/a/b: made"])
         self.compare(2, "winhttp", "mkdir", "/a/b")
-
-
-class Samples(BothHomes):
-    """The scripts that the documentation shows."""
-
-    def test_document(self):
-        case = run_case.Case(run_case.TOP / "samples/document.js")
-        case.arguments = ["http://docs.example.test/sites/a/Shared%20Documents/b.xlsx", "caf\u00e9"]
-        results, sites = [], []
-        for home in self.homes.values():
-            self.server.command("DELETE", "/site")
-            self.server.prepare(None)
-            results.append(home.run(case))
-            sites.append(self.server.command("GET", "/site"))
-        self.assertEqual([result.code for result in results], [0, 0], results[1].errors)
-        self.assertEqual(results[0].lines, results[1].lines)
-        self.assertEqual(results[0].lines[-3:], ["before: nobody holds it", "checked out: you hold it (Jane Doe)",
-                                                 "checked in: nobody holds it"])
-        self.assertEqual(*sites)
-        document = next(document for web in sites[0]["webs"] for library in web["libraries"]
-                        for document in library["documents"] if document["path"] == "b.xlsx")
-        self.assertEqual((document["comment"], document["version"]), ("caf\u00e9", "3.0"))
-
-
-    def test_hdfs(self):
-        case = run_case.Case(run_case.TOP / "samples/hdfs.js")
-        results, requests = [], []
-        for home in self.homes.values():
-            source = pathlib.Path(self.folder.name) / "figures.csv"
-            copy = pathlib.Path(self.folder.name) / f"copy-{home.name}.csv"
-            source.write_bytes(b"a;1\r\nb;2\r\nc;3\r\nd;4\r\n")
-            local = [home.local(path) for path in (source, copy)]
-            case.arguments = ["http://namenode.example.test", "bob", local[0], "/user/bob/figures.csv", local[1]]
-            self.server.command("DELETE", "/hdfs")
-            self.server.prepare(None)
-            results.append(home.run(case))
-            requests.append([comparable(record) for record in self.server.log()])
-            self.assertEqual(copy.read_bytes(), source.read_bytes())
-        self.assertEqual([result.code for result in results], [0, 0], results[0].lines + results[1].lines)
-        # The two lines left out name local files.
-        told = [[line for line in result.lines if not line.startswith(("preview:", "downloaded:"))] for result in results]
-        self.assertEqual(*told)
-        self.assertEqual(told[0], ["name node:  http://namenode.example.test:50070",
-                                   "uploaded:   /user/bob/figures.csv, 20 bytes, permissions 640",
-                                   "deleted:    /user/bob/figures.csv.old"])
-        self.assertEqual(*requests)
 
 
 def add_tests():

@@ -12,8 +12,10 @@ endif()
 if(WIN32)
   target_compile_definitions(velandoc_options INTERFACE
     UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0601 _GLIBCXX_ASSERTIONS)
-  # DWARF 4 is what Wine's own backtraces read.
-  target_compile_options(velandoc_options INTERFACE -gdwarf-4)
+  # DWARF 4 is what Wine's own backtraces read. The programs are packaged as they are built: their symbols name no folder
+  # of the machine.
+  target_compile_options(velandoc_options INTERFACE -gdwarf-4
+    -fdebug-prefix-map=${PROJECT_SOURCE_DIR}=velandoc)
   # One file to ship: nothing but the system's libraries is imported.
   target_link_options(velandoc_options INTERFACE -static)
 else()

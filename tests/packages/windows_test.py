@@ -145,7 +145,7 @@ def zip_work(prefix, packages, checks):
     names = files_below(folder)
     checks.equal("the zip holds the files, the samples and the symbols",
                  {name for name in names if "/" not in name},
-                 FILES | {"README.md.txt", "velandoc.dll.debug", "velandoc.exe.debug"})
+                 FILES | {"README.txt", "velandoc.dll.debug", "velandoc.exe.debug"})
     for program in ("velandoc.dll", "velandoc.exe"):
         headers = subprocess.run(["x86_64-w64-mingw32-objdump", "-h", folder / program], capture_output=True, text=True,
                                  check=True).stdout

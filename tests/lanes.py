@@ -232,7 +232,8 @@ def sources(*suffixes):
 
 
 def lane_style(lane):
-    """Formatting, layering and clang-tidy."""
+    """Formatting, layering, clang-tidy, and the documents against what they tell of."""
+    lane.unittest("documents", [PYTHON, "-B", TOP / "tests/docs/docs_test.py"], timeout=60)
     lane.check("clang-format", ["clang-format", "--dry-run", "-Werror", *sources(".h", ".cpp")])
 
     conditional = re.compile(r"^\s*#\s*(if|ifdef|ifndef|elif)\b.*(_WIN32|_WIN64|__linux__|__MINGW)", re.MULTILINE)

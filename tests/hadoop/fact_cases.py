@@ -1,4 +1,4 @@
-"""What HDFS makes of requests as this client writes them: docs/hdfs-client.md tells the same, with the version measured.
+"""What HDFS makes of requests as this client writes them: docs/hdfs-servers.md tells the same, with the version measured.
 
 A case here that fails after the version in pom.xml was raised is news, not necessarily a mistake of the client.
 """

@@ -56,10 +56,8 @@ def products(prefix):
     return sorted(listed.values())
 
 
-def use_samples(prefix, checks, server):
+def use_samples(prefix, checks):
     """The samples whose hosts Wine has, where the installer put them."""
-    prefix.run("reg", "add", INTERNET, "/v", "ProxyServer", "/d", f"127.0.0.1:{server.ports['http']}", "/f")
-    prefix.run("reg", "add", INTERNET, "/v", "ProxyEnable", "/t", "REG_DWORD", "/d", "1", "/f")
     samples = INSTALLED + r"\samples"
     cscript = ("cscript", "/nologo")
     said = prefix.run(*cscript, samples + r"\probe.js", "http://docs.example.test/")[1]
@@ -97,6 +95,8 @@ def msi_work(prefix, packages, work, checks, server):
     install(msi, "/i")
     prefix.run("cscript", "/nologo", windows_path(script))
     install(msi, "/x")
+    prefix.run("reg", "add", INTERNET, "/v", "ProxyServer", "/d", f"127.0.0.1:{server.ports['http']}", "/f")
+    prefix.run("reg", "add", INTERNET, "/v", "ProxyEnable", "/t", "REG_DWORD", "/d", "1", "/f")
     before = prefix.registry()
 
     checks.equal("msiexec /i succeeds", install(msi, "/i"), 0)
@@ -111,13 +111,13 @@ def msi_work(prefix, packages, work, checks, server):
     said = prefix.run(INSTALLED + r"\velandoc.exe", "--version")[1]
     checks.equal("velandoc.exe tells its version", said.strip(), f"velandoc {version}")
     checks.equal("one product is listed", products(prefix), [version])
-    use_samples(prefix, checks, server)
+    use_samples(prefix, checks)
 
     major, minor, patch = (int(part) for part in version.split("."))
     newer_version = f"{major}.{minor}.{patch + 1}"
     newer = prefix.folder / "newer.msi"
-    subprocess.run(["wixl", "--arch", "x64", "-D", f"Version={newer_version}", "-D", f"Files={work / 'files'}",
-                    "--output", newer, TOP / "packaging/windows/velandoc.wxs"], check=True)
+    subprocess.run([TOP / "packaging/windows/make-msi", newer_version, work.absolute().relative_to(TOP) / "files", newer],
+                   check=True)
     checks.equal("a newer one installs over it", install(newer, "/i"), 0)
     checks.equal("and takes its place", products(prefix), [newer_version])
     checks.equal("with all its files", files_below(folder), expected)
@@ -130,6 +130,7 @@ def msi_work(prefix, packages, work, checks, server):
     checks.equal("no file is left", files_below(folder), set())
     checks.equal("no key is left", ours(before, prefix.registry()), {})
     checks.equal("nothing is listed", products(prefix), [])
+    checks.equal("the path is as it was", on_path(prefix), False)
 
 
 def on_path(prefix):

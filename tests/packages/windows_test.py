@@ -56,6 +56,16 @@ def products(prefix):
     return sorted(listed.values())
 
 
+def version_block(program):
+    """The values of the block's texts, which lie in the file as UTF-16 behind their names."""
+    content = program.read_bytes()
+    found = {}
+    for key in ("FileVersion", "ProductVersion", "OriginalFilename"):
+        match = re.search(re.escape(f"{key}\0".encode("utf-16-le")) + rb"(?:\0\0)*((?:[!-~]\0)+)", content)
+        found[key] = match.group(1).decode("utf-16-le") if match else None
+    return found
+
+
 def use_samples(prefix, checks):
     """The samples whose hosts Wine has, where the installer put them."""
     samples = INSTALLED + r"\samples"
@@ -110,6 +120,9 @@ def msi_work(prefix, packages, work, checks, server):
     checks.equal("a script makes the objects by their ProgIDs", said.split("\n")[0], "made")
     said = prefix.run(INSTALLED + r"\velandoc.exe", "--version")[1]
     checks.equal("velandoc.exe tells its version", said.strip(), f"velandoc {version}")
+    for name in ("velandoc.dll", "velandoc.exe"):
+        checks.equal(f"{name} has a version block of its own", version_block(folder / name),
+                     {"FileVersion": f"{version}.0", "ProductVersion": f"{version}.0", "OriginalFilename": name})
     checks.equal("one product is listed", products(prefix), [version])
     use_samples(prefix, checks)
 

@@ -1,8 +1,10 @@
 #include "hosts/command/registration_command.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "hosts/command/exit_codes.h"
+#include "hosts/command/registered_classes.h"
 #include "hosts/command/talk.h"
 #include "hosts/component_library.h"
 #include "platform/registry_place.h"
@@ -18,13 +20,29 @@ HRESULT Register(const ComponentLibrary& library, bool install, bool user) {
   return install ? library.DllRegisterServer() : library.DllUnregisterServer();
 }
 
-void TellFailure(const Options& options, HRESULT result) {
+/// Whether one of the classes is registered for whom `options` names, or may be: true too if the
+/// registry cannot be read.
+bool MayBeRegistered(const Options& options) {
+  std::vector<RegisteredClass> classes;
+  bool forUser = false;
+  if (FindRegisteredClasses(classes, forUser) != ERROR_SUCCESS) return true;
+  return std::any_of(classes.begin(), classes.end(), [&](const RegisteredClass& one) {
+    return std::any_of(
+        one.registrations.begin(), one.registrations.end(),
+        [&](const ClassRegistration& found) { return found.forUser == options.user; });
+  });
+}
+
+void TellFailure(const Options& options, HRESULT result, bool wasRegistered) {
   const std::string verb = options.action == Action::kRegister ? "register" : "unregister";
   if (result == E_ACCESSDENIED && !options.user) {
     Talk("permission denied: to " + verb + " for all users type this as root or administrator; " +
          "for you alone type 'velandoc " + verb + " --user'");
   } else if (result == E_ACCESSDENIED) {
     Talk("permission denied: your registry cannot be written");
+  } else if (options.action == Action::kUnregister && !wasRegistered) {
+    Talk(std::string("nothing is registered for ") + (options.user ? "you alone" : "all users") +
+         " (" + ResultText(result) + "): 'velandoc classes' tells what is");
   } else {
     Talk("the component's library could not " + verb + " itself (" + ResultText(result) + ")");
   }
@@ -39,9 +57,10 @@ int RunRegistration(const Options& options) {
     return kExitNoComponent;
   }
   const bool install = options.action == Action::kRegister;
+  const bool wasRegistered = MayBeRegistered(options);
   const HRESULT result = Register(library, install, options.user);
   if (FAILED(result)) {
-    TellFailure(options, result);
+    TellFailure(options, result, wasRegistered);
     return kExitRegistration;
   }
   const std::string key = options.user ? "HKEY_CURRENT_USER\\Software\\Classes"

@@ -49,6 +49,15 @@ class Registration(RegistryCase):
         self.expect(["unregister"], 0,
                     f"unregistered {self.library()} from HKEY_LOCAL_MACHINE\\Software\\Classes ({self.registry}/machine.reg)\n", "")
 
+    def test_unregister_what_is_not_registered(self):
+        nothing = r"velandoc: nothing is registered for {} \(0x8002801C\): 'velandoc classes' tells what is\n"
+        self.expect(["unregister", "--user"], 4, "", re.compile(nothing.format("you alone")))
+        self.expect(["unregister"], 4, "", re.compile(nothing.format("all users")))
+        # Another's registration is none of this one's.
+        self.succeed("register")
+        self.expect(["unregister", "--user"], 4, "", re.compile(nothing.format("you alone")))
+        self.succeed("unregister")
+
     def test_json(self):
         done = self.run_program(support.command, "register", "--user", "--json")
         self.assertEqual((done.returncode, done.stderr), (0, b""))
@@ -76,7 +85,11 @@ class Registration(RegistryCase):
         bare = self.folder / "bin"
         bare.mkdir()
         shutil.copy(support.command, bare)
-        self.environment["LD_LIBRARY_PATH"] = str(support.command.parent.parent / "lib")
+        # The runtime in a folder of its own: it looks beside itself too.
+        runtime = self.folder / "runtime"
+        runtime.mkdir()
+        shutil.copy(support.command.parent.parent / "lib/libvelandoc-com.so.1", runtime)
+        self.environment["LD_LIBRARY_PATH"] = str(runtime)
         self.expect(["register", "--user"], 3, "",
                     re.compile(r"velandoc: cannot load the component's library: .*libvelandoc\.so.*\n"),
                     program=bare / pathlib.Path(support.command).name)

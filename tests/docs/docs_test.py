@@ -194,6 +194,11 @@ class Documents(unittest.TestCase):
 
 
 class Samples(unittest.TestCase):
+    def test_every_sample_is_listed(self):
+        listed = re.findall(r"^\| \[[^\]]*\]\(([^)]*)\)", (TOP / "samples/README.md").read_text(encoding="utf-8"), re.MULTILINE)
+        samples = [name.removeprefix("samples/") for name in TRACKED if name.startswith("samples/")]
+        self.assertEqual(sorted(listed), sorted(name for name in samples if not name.endswith((".md", ".txt"))))
+
     def test_members_of_the_samples_that_no_test_runs(self):
         known = {name.lower() for interface in ("IClient", "IHdfsClient", "IConnectionError")
                  for name in signatures(interface)}

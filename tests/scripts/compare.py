@@ -16,7 +16,7 @@ import unittest
 
 import run_case
 from both_homes import BothHomes, comparable
-from page_cases import PageExamples, ReadmeCommands  # noqa: F401  (this and the next run with the cases below)
+from page_cases import ErrorsInVbscript, PageExamples, ReadmeCommands  # noqa: F401  (these run with the cases below)
 from sample_cases import CppSamples, HolderSamples, Samples  # noqa: F401
 
 FOLDER = pathlib.Path(__file__).resolve().parent

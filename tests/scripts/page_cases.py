@@ -121,3 +121,29 @@ class ReadmeCommands(PageCase):
                     ran += 1
             self.assertGreater(ran, 8)
             self.assertEqual((folder / "copy-of-data/report.csv").read_bytes(), (folder / "report.csv").read_bytes())
+
+
+class ErrorsInVbscript(PageCase):
+    """What docs/errors.md says of VBScript. The texts are the system's; numbers and sources are asserted."""
+
+    EXPECTED = (
+        "no error object, E_FAIL: -2147467259 [] []",
+        "no error object, E_INVALIDARG: 5 [...] [Microsoft VBScript runtime error]",
+        "an argument left out that must not be: 5 [...] [Microsoft VBScript runtime error]",
+        "the same empty, True: 0 [] []",
+        "no error object, E_ACCESSDENIED: 70 [...] [Microsoft VBScript runtime error]",
+        "the server's words: -2147467259 [...] [HDFS Client Connect]",
+        "an error object, E_NOINTERFACE: -2147467262 [...] [HDFS Client Upload]",
+        "an error object, E_INVALIDARG: -2147024809 [...] [HDFS Client Upload]",
+        "another source: -2147024809 [...] [HDFS CreateFolder]",
+        "end of the script",
+    )
+
+    def test_numbers_and_sources(self):
+        case = run_case.Case(run_case.TOP / "tests/scripts/errors.vbs")
+        case.arguments = [f"http://localhost:{self.server.ports['http']}"]
+        self.server.prepare(None)
+        result = self.homes["wine"].run(case)
+        lines = [re.sub(r"\[[^\]]+\] \[", "[...] [", line, count=1) for line in result.lines]
+        self.assertEqual(tuple(lines), self.EXPECTED)
+        self.assertIn("FileNotFoundException", result.lines[5])

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/forwarding_wininet.h"
 #include "platform/text.h"
-#include "platform/wininet.h"
 
 namespace velandoc {
 
@@ -33,15 +33,13 @@ struct ExchangeRecord {
 /// Passes every operation on and changes nothing of what the caller sees. An answer that the caller
 /// leaves unread is read, up to its limit, when its request is closed: until then credentials may
 /// still be asked for on it. Answers 401 and 407 are never read here. For one thread.
-class ExchangeWatch : public WinInet {
+class ExchangeWatch final : public ForwardingWinInet {
  public:
-  explicit ExchangeWatch(WinInet& below) : m_below(below) {}
+  explicit ExchangeWatch(WinInet& below) : ForwardingWinInet(below) {}
 
   /// In the order in which the requests were opened.
   const std::vector<ExchangeRecord>& Records() const { return m_records; }
 
-  HINTERNET InternetOpenW(LPCWSTR agent, DWORD accessType, LPCWSTR proxy, LPCWSTR proxyBypass,
-                          DWORD flags) override;
   HINTERNET InternetConnectW(HINTERNET session, LPCWSTR serverName, INTERNET_PORT port,
                              LPCWSTR userName, LPCWSTR password, DWORD service, DWORD flags,
                              DWORD_PTR context) override;
@@ -52,19 +50,10 @@ class ExchangeWatch : public WinInet {
                         DWORD optionalLength) override;
   BOOL HttpSendRequestExW(HINTERNET request, INTERNET_BUFFERSW* buffersIn,
                           INTERNET_BUFFERSW* buffersOut, DWORD flags, DWORD_PTR context) override;
-  BOOL InternetWriteFile(HINTERNET request, LPCVOID buffer, DWORD size, DWORD* written) override;
   BOOL HttpEndRequestW(HINTERNET request, INTERNET_BUFFERSW* buffersOut, DWORD flags,
                        DWORD_PTR context) override;
   BOOL InternetReadFile(HINTERNET request, LPVOID buffer, DWORD size, DWORD* read) override;
-  BOOL HttpQueryInfoW(HINTERNET request, DWORD infoLevel, LPVOID buffer, DWORD* size,
-                      DWORD* index) override;
-  DWORD InternetErrorDlg(HWND parent, HINTERNET request, DWORD error, DWORD flags,
-                         LPVOID* data) override;
-  BOOL InternetQueryOptionW(HINTERNET handle, DWORD option, LPVOID buffer, DWORD* size) override;
-  BOOL InternetSetOptionW(HINTERNET handle, DWORD option, LPVOID buffer, DWORD size) override;
   BOOL InternetCloseHandle(HINTERNET handle) override;
-  HWND GetActiveWindow() override;
-  DWORD GetLastError() override { return m_lastError; }
 
  private:
   struct Endpoint {
@@ -72,17 +61,13 @@ class ExchangeWatch : public WinInet {
     INTERNET_PORT port = 0;
   };
 
-  template <class Result>
-  Result Keep(Result result);
   ExchangeRecord* Find(HINTERNET request);
   BOOL Sent(HINTERNET request, BOOL result);
   void ReadRefusal(HINTERNET request, ExchangeRecord& record);
 
-  WinInet& m_below;
   std::map<HINTERNET, Endpoint> m_connections;
   std::map<HINTERNET, std::size_t> m_requests;  // index in m_records
   std::vector<ExchangeRecord> m_records;
-  DWORD m_lastError = 0;
 };
 
 /// The method that a request names: of SOAP in the header SOAPAction, of RPC in the body. Empty if

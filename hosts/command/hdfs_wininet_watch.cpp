@@ -16,11 +16,6 @@ constexpr DWORD kIgnoreCertificateProblems =
 
 HdfsExchangeLog& Log() { return HdfsExchangeLog::OfThread(); }
 
-DWORD& LastError() {
-  thread_local DWORD error = 0;
-  return error;
-}
-
 WideString UrlOf(WinInet& below, HINTERNET request) {
   std::array<OLECHAR, kUrlCapacity> buffer{};
   DWORD size = sizeof buffer;
@@ -46,105 +41,74 @@ void IgnoreCertificates(WinInet& below, HINTERNET request) {
 
 }  // namespace
 
-// The error is read at once, before anything of ours can overwrite it.
-template <class Result>
-Result HdfsWinInetWatch::Keep(Result result) {
-  if (!result) LastError() = m_below.GetLastError();
-  return result;
+DWORD& HdfsWinInetWatch::LastError() {
+  thread_local DWORD error = 0;
+  return error;
 }
 
 BOOL HdfsWinInetWatch::Answered(HINTERNET request, BOOL result) {
-  Log().Answer(request, result ? StatusOf(m_below, request) : 0, result ? 0 : LastError(),
-               UrlOf(m_below, request));
+  Log().Answer(request, result ? StatusOf(Below(), request) : 0, result ? 0 : LastError(),
+               UrlOf(Below(), request));
   return result;
-}
-
-HINTERNET HdfsWinInetWatch::InternetOpenW(LPCWSTR agent, DWORD accessType, LPCWSTR proxy,
-                                          LPCWSTR proxyBypass, DWORD flags) {
-  return Keep(m_below.InternetOpenW(agent, accessType, proxy, proxyBypass, flags));
 }
 
 HINTERNET HdfsWinInetWatch::InternetConnectW(HINTERNET session, LPCWSTR serverName,
                                              INTERNET_PORT port, LPCWSTR userName, LPCWSTR password,
                                              DWORD service, DWORD flags, DWORD_PTR context) {
   Log().Connect(Utf8FromWide(ViewOf(serverName)), port);
-  return Keep(m_below.InternetConnectW(session, serverName, port, userName, password, service,
-                                       flags, context));
+  return ForwardingWinInet::InternetConnectW(session, serverName, port, userName, password, service,
+                                             flags, context);
 }
 
 HINTERNET HdfsWinInetWatch::HttpOpenRequestW(HINTERNET connect, LPCWSTR verb, LPCWSTR objectName,
                                              LPCWSTR version, LPCWSTR referrer,
                                              LPCWSTR* acceptTypes, DWORD flags, DWORD_PTR context) {
-  HINTERNET request = Keep(m_below.HttpOpenRequestW(connect, verb, objectName, version, referrer,
-                                                    acceptTypes, flags, context));
+  HINTERNET request = ForwardingWinInet::HttpOpenRequestW(connect, verb, objectName, version,
+                                                          referrer, acceptTypes, flags, context);
   const bool made = request != nullptr;
-  Log().Open(request, Utf8FromWide(ViewOf(verb)), made ? UrlOf(m_below, request) : WideString(),
+  Log().Open(request, Utf8FromWide(ViewOf(verb)), made ? UrlOf(Below(), request) : WideString(),
              made ? 0 : LastError());
-  if (made && m_ignoresCertificates) IgnoreCertificates(m_below, request);
+  if (made && m_ignoresCertificates) IgnoreCertificates(Below(), request);
   return request;
 }
 
 BOOL HdfsWinInetWatch::HttpSendRequestW(HINTERNET request, LPCWSTR headers, DWORD headersLength,
                                         LPVOID optional, DWORD optionalLength) {
-  return Answered(request, Keep(m_below.HttpSendRequestW(request, headers, headersLength, optional,
-                                                         optionalLength)));
+  return Answered(request, ForwardingWinInet::HttpSendRequestW(request, headers, headersLength,
+                                                               optional, optionalLength));
 }
 
 BOOL HdfsWinInetWatch::HttpSendRequestExW(HINTERNET request, INTERNET_BUFFERSW* buffersIn,
                                           INTERNET_BUFFERSW* buffersOut, DWORD flags,
                                           DWORD_PTR context) {
   const BOOL result =
-      Keep(m_below.HttpSendRequestExW(request, buffersIn, buffersOut, flags, context));
+      ForwardingWinInet::HttpSendRequestExW(request, buffersIn, buffersOut, flags, context);
   if (!result) Log().Fail(request, LastError());
   return result;
 }
 
 BOOL HdfsWinInetWatch::InternetWriteFile(HINTERNET request, LPCVOID buffer, DWORD size,
                                          DWORD* written) {
-  const BOOL result = Keep(m_below.InternetWriteFile(request, buffer, size, written));
+  const BOOL result = ForwardingWinInet::InternetWriteFile(request, buffer, size, written);
   if (result) Log().Write(*written);
   return result;
 }
 
 BOOL HdfsWinInetWatch::HttpEndRequestW(HINTERNET request, INTERNET_BUFFERSW* buffersOut,
                                        DWORD flags, DWORD_PTR context) {
-  return Answered(request, Keep(m_below.HttpEndRequestW(request, buffersOut, flags, context)));
+  return Answered(request, ForwardingWinInet::HttpEndRequestW(request, buffersOut, flags, context));
 }
 
 BOOL HdfsWinInetWatch::InternetReadFile(HINTERNET request, LPVOID buffer, DWORD size, DWORD* read) {
-  const BOOL result = Keep(m_below.InternetReadFile(request, buffer, size, read));
+  const BOOL result = ForwardingWinInet::InternetReadFile(request, buffer, size, read);
   if (!result) Log().Fail(request, LastError());
   if (result) Log().Read(request, buffer, *read);
   return result;
 }
 
-BOOL HdfsWinInetWatch::HttpQueryInfoW(HINTERNET request, DWORD infoLevel, LPVOID buffer,
-                                      DWORD* size, DWORD* index) {
-  return Keep(m_below.HttpQueryInfoW(request, infoLevel, buffer, size, index));
-}
-
-DWORD HdfsWinInetWatch::InternetErrorDlg(HWND parent, HINTERNET request, DWORD error, DWORD flags,
-                                         LPVOID* data) {
-  return m_below.InternetErrorDlg(parent, request, error, flags, data);
-}
-
-BOOL HdfsWinInetWatch::InternetQueryOptionW(HINTERNET handle, DWORD option, LPVOID buffer,
-                                            DWORD* size) {
-  return Keep(m_below.InternetQueryOptionW(handle, option, buffer, size));
-}
-
-BOOL HdfsWinInetWatch::InternetSetOptionW(HINTERNET handle, DWORD option, LPVOID buffer,
-                                          DWORD size) {
-  return Keep(m_below.InternetSetOptionW(handle, option, buffer, size));
-}
-
 BOOL HdfsWinInetWatch::InternetCloseHandle(HINTERNET handle) {
   Log().Close(handle);
-  return Keep(m_below.InternetCloseHandle(handle));
+  return ForwardingWinInet::InternetCloseHandle(handle);
 }
-
-HWND HdfsWinInetWatch::GetActiveWindow() { return m_below.GetActiveWindow(); }
-
-DWORD HdfsWinInetWatch::GetLastError() { return LastError(); }
 
 }  // namespace velandoc

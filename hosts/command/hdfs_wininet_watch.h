@@ -5,22 +5,20 @@
 #pragma once
 
 #include "hosts/command/hdfs_exchange.h"
-#include "platform/wininet.h"
+#include "platform/forwarding_wininet.h"
 
 namespace velandoc {
 
 /// Passes every operation on and changes nothing of what the caller sees; the one thing that it
 /// adds is asked for by `ignoresCertificates`. For any number of threads: a handle belongs to the
 /// thread that made it.
-class HdfsWinInetWatch : public WinInet {
+class HdfsWinInetWatch final : public ForwardingWinInet {
  public:
   /// `ignoresCertificates`: each request lets certificate problems pass from the start. The client
   /// itself does so only for what it may send again, which the body of an upload is not.
   HdfsWinInetWatch(WinInet& below, bool ignoresCertificates)
-      : m_below(below), m_ignoresCertificates(ignoresCertificates) {}
+      : ForwardingWinInet(below), m_ignoresCertificates(ignoresCertificates) {}
 
-  HINTERNET InternetOpenW(LPCWSTR agent, DWORD accessType, LPCWSTR proxy, LPCWSTR proxyBypass,
-                          DWORD flags) override;
   HINTERNET InternetConnectW(HINTERNET session, LPCWSTR serverName, INTERNET_PORT port,
                              LPCWSTR userName, LPCWSTR password, DWORD service, DWORD flags,
                              DWORD_PTR context) override;
@@ -35,22 +33,12 @@ class HdfsWinInetWatch : public WinInet {
   BOOL HttpEndRequestW(HINTERNET request, INTERNET_BUFFERSW* buffersOut, DWORD flags,
                        DWORD_PTR context) override;
   BOOL InternetReadFile(HINTERNET request, LPVOID buffer, DWORD size, DWORD* read) override;
-  BOOL HttpQueryInfoW(HINTERNET request, DWORD infoLevel, LPVOID buffer, DWORD* size,
-                      DWORD* index) override;
-  DWORD InternetErrorDlg(HWND parent, HINTERNET request, DWORD error, DWORD flags,
-                         LPVOID* data) override;
-  BOOL InternetQueryOptionW(HINTERNET handle, DWORD option, LPVOID buffer, DWORD* size) override;
-  BOOL InternetSetOptionW(HINTERNET handle, DWORD option, LPVOID buffer, DWORD size) override;
   BOOL InternetCloseHandle(HINTERNET handle) override;
-  HWND GetActiveWindow() override;
-  DWORD GetLastError() override;
 
  private:
-  template <class Result>
-  Result Keep(Result result);
+  DWORD& LastError() override;
   BOOL Answered(HINTERNET request, BOOL result);
 
-  WinInet& m_below;
   const bool m_ignoresCertificates;
 };
 

@@ -4,6 +4,7 @@
 
 #include "platform/owners.h"
 #include "platform/posix/com/automation.h"
+#include "platform/posix/com/counted.h"
 
 namespace velandoc {
 namespace {
@@ -22,7 +23,7 @@ HRESULT ReplaceText(Bstr& text, LPOLESTR value) {
   return text.Get() != nullptr || value == nullptr ? S_OK : E_OUTOFMEMORY;
 }
 
-class ErrorObject final : public IErrorInfo, public ICreateErrorInfo {
+class ErrorObject final : public Counted<std::atomic<ULONG>, IErrorInfo, ICreateErrorInfo> {
  public:
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
     if (object == nullptr) return E_POINTER;
@@ -36,12 +37,6 @@ class ErrorObject final : public IErrorInfo, public ICreateErrorInfo {
     }
     AddRef();
     return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --m_references;
-    if (left == 0) delete this;
-    return left;
   }
 
   HRESULT STDMETHODCALLTYPE GetGUID(GUID* guid) override {
@@ -81,9 +76,6 @@ class ErrorObject final : public IErrorInfo, public ICreateErrorInfo {
   }
 
  private:
-  ~ErrorObject() = default;
-
-  std::atomic<ULONG> m_references{1};
   GUID m_guid = GUID_NULL;
   Bstr m_source;
   Bstr m_description;

@@ -14,6 +14,7 @@
 
 #include "platform/owners.h"
 #include "platform/posix/com/activation.h"
+#include "platform/posix/com/counted.h"
 #include "platform/posix/com/file_descriptor.h"
 #include "platform/posix/com/utf8.h"
 
@@ -67,12 +68,10 @@ FILETIME FileTimeOf(const timespec& time) {
   return {static_cast<DWORD>(steps), static_cast<DWORD>(steps >> 32)};
 }
 
-class FileStream final : public IStream {
+class FileStream final : public Counted<std::atomic<ULONG>, IStream> {
  public:
   FileStream(FileDescriptor file, DWORD mode, WideString name)
       : m_file(std::move(file)), m_mode(mode), m_name(std::move(name)) {}
-  FileStream(const FileStream&) = delete;
-  FileStream& operator=(const FileStream&) = delete;
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
     if (object == nullptr) return E_POINTER;
@@ -83,16 +82,6 @@ class FileStream final : public IStream {
     *object = this;
     AddRef();
     return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-  /// An error of the last gathered bytes is lost here: who wants to know it calls Commit first.
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --m_references;
-    if (left == 0) {
-      Flush();
-      delete this;
-    }
-    return left;
   }
 
   HRESULT STDMETHODCALLTYPE Read(void* buffer, ULONG size, ULONG* read) override {
@@ -228,7 +217,8 @@ class FileStream final : public IStream {
   }
 
  private:
-  ~FileStream() = default;
+  /// An error of the last gathered bytes is lost here: who wants to know it calls Commit first.
+  ~FileStream() override { Flush(); }
 
   /// What could not be written stays gathered, so the next attempt goes on where this one failed.
   HRESULT Flush() {
@@ -285,7 +275,6 @@ class FileStream final : public IStream {
     return S_OK;
   }
 
-  std::atomic<ULONG> m_references{1};
   FileDescriptor m_file;
   DWORD m_mode;
   WideString m_name;

@@ -3,6 +3,7 @@
 #include <new>
 #include <vector>
 
+#include "platform/posix/com/counted.h"
 #include "platform/posix/dialog/script_literal.h"
 
 namespace velandoc {
@@ -10,21 +11,10 @@ namespace {
 
 using Outcome = ConfinedPage::Outcome;
 
-/// What both objects share: their count, and an IDispatch that knows no member.
+/// What both objects share: an IDispatch that knows no member. For one thread.
 template <class Interface>
-class PageObject : public Interface {
+class PageObject : public Counted<ULONG, Interface> {
  public:
-  PageObject() = default;
-  PageObject(const PageObject&) = delete;
-  PageObject& operator=(const PageObject&) = delete;
-  virtual ~PageObject() = default;
-
-  STDMETHODIMP_(ULONG) AddRef() override { return ++m_count; }
-  STDMETHODIMP_(ULONG) Release() override {
-    const ULONG count = --m_count;
-    if (count == 0) delete this;
-    return count;
-  }
   STDMETHODIMP GetTypeInfoCount(UINT* count) override {
     if (count == nullptr) return E_POINTER;
     *count = 0;
@@ -42,15 +32,12 @@ class PageObject : public Interface {
     *object = nullptr;
     for (const GUID* iid : known) {
       if (!IsEqualIID(riid, *iid)) continue;
-      AddRef();
+      this->AddRef();
       *object = static_cast<Interface*>(this);
       return S_OK;
     }
     return E_NOINTERFACE;
   }
-
- private:
-  ULONG m_count = 0;  // one thread
 };
 
 /// An argument as a literal of the script; empty for a kind that nobody passes.
@@ -163,11 +150,8 @@ class PageDocument final : public PageObject<IHTMLDocument2> {
     *script = nullptr;
     const std::shared_ptr<ConfinedPage> page = m_page.lock();
     if (!page || page->IsGone()) return E_FAIL;
-    auto* made = new (std::nothrow) PageScript(m_page);
-    if (made == nullptr) return E_OUTOFMEMORY;
-    made->AddRef();
-    *script = made;
-    return S_OK;
+    *script = new (std::nothrow) PageScript(m_page);
+    return *script != nullptr ? S_OK : E_OUTOFMEMORY;
   }
 
  private:
@@ -177,7 +161,7 @@ class PageDocument final : public PageObject<IHTMLDocument2> {
 }  // namespace
 
 ComPtr<IHTMLDocument2> MakePageDocument(const std::shared_ptr<ConfinedPage>& page) {
-  return ComPtr<IHTMLDocument2>(new PageDocument(page));
+  return ComPtr<IHTMLDocument2>::Adopt(new PageDocument(page));
 }
 
 }  // namespace velandoc

@@ -2,6 +2,7 @@
 // release.
 #pragma once
 
+#include "platform/posix/com/counted.h"
 #include "platform/posix/msxml/node_object.h"
 
 namespace velandoc::dom {
@@ -12,28 +13,19 @@ inline void*& ObjectSlot(xmlNode* node) {
 }
 
 template <class Interface>
-class ContainedNode : public NodeObject<Interface> {
- public:
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --m_references;
-    if (left == 0) delete this;
-    return left;
-  }
-
+class ContainedNode : public Counted<ULONG, NodeObject<Interface>> {
  protected:
   /// Holds one reference, the caller's.
-  ContainedNode(Tree& tree, xmlNode* node) : NodeObject<Interface>(tree, node), m_use(tree) {
+  ContainedNode(Tree& tree, xmlNode* node) : ContainedNode::Counted(tree, node), m_use(tree) {
     ObjectSlot(node) = static_cast<IXMLDOMNode*>(this);
   }
-  virtual ~ContainedNode() {
+  ~ContainedNode() override {
     xmlNode* const node = this->Get();
     ObjectSlot(node) = nullptr;
     if (!IsDeclaration(node)) m_use.Get().NoteReleased(node);
   }
 
  private:
-  ULONG m_references = 1;
   TreeUse m_use;
 };
 

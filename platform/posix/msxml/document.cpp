@@ -29,12 +29,6 @@ Document::Document() { ReplaceTree(EmptyDoc()); }
 
 Document::~Document() { GetTree().GiveUp(); }
 
-ULONG Document::Release() {
-  const ULONG left = --m_references;
-  if (left == 0) delete this;
-  return left;
-}
-
 void Document::ReplaceTree(XmlDocOwner doc) {
   xmlDoc* const root = doc.get();
   Tree* const made = new Tree(std::move(doc), this);

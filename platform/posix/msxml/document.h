@@ -1,6 +1,7 @@
 // The document object.
 #pragma once
 
+#include "platform/posix/com/counted.h"
 #include "platform/posix/msxml/node_object.h"
 #include "platform/posix/msxml/parser.h"
 
@@ -11,13 +12,10 @@ namespace velandoc::dom {
 /// (kMaxDepth, cannot be set). setProperty and getProperty are E_FAIL for any other name,
 /// setProperty E_FAIL or E_INVALIDARG for a value that cannot be, and the property then keeps its
 /// value. Loads are never asynchronous, whatever put_async said.
-class Document final : public NodeObject<IXMLDOMDocument2> {
+class Document final : public Counted<ULONG, NodeObject<IXMLDOMDocument2>> {
  public:
   /// Holds one reference, the caller's. Raises std::bad_alloc.
   Document();
-
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-  ULONG STDMETHODCALLTYPE Release() override;
 
   HRESULT STDMETHODCALLTYPE get_doctype(IXMLDOMDocumentType** doctype) override {
     return GiveNothing(doctype);
@@ -102,7 +100,7 @@ class Document final : public NodeObject<IXMLDOMDocument2> {
   HRESULT STDMETHODCALLTYPE getProperty(BSTR name, VARIANT* value) override;
 
  private:
-  ~Document();
+  ~Document() override;
 
   template <class Object>
   static HRESULT NotImplemented(Object** out) {
@@ -121,7 +119,6 @@ class Document final : public NodeObject<IXMLDOMDocument2> {
   template <class Interface>
   HRESULT Create(DOMNodeType type, BSTR name, BSTR data, Interface** node);
 
-  ULONG m_references = 1;
   VARIANT_BOOL m_isAsync = VARIANT_TRUE;
   VARIANT_BOOL m_validateOnParse = VARIANT_TRUE;
   VARIANT_BOOL m_resolveExternals = VARIANT_FALSE;

@@ -3,7 +3,7 @@
 #include "platform/owners.h"
 #include "platform/posix/msxml/attribute_set.h"
 #include "platform/posix/msxml/child_cursor.h"
-#include "platform/posix/msxml/counted.h"
+#include "platform/posix/msxml/companion.h"
 #include "platform/posix/msxml/guard.h"
 
 namespace velandoc::dom {
@@ -15,7 +15,7 @@ struct Attributes {
   xmlNode* Next(xmlNode* attribute) const { return NextAttribute(element, attribute); }
 };
 
-class NamedNodeMap final : public Counted<IXMLDOMNamedNodeMap, IID_IXMLDOMNamedNodeMap> {
+class NamedNodeMap final : public Companion<IXMLDOMNamedNodeMap, IID_IXMLDOMNamedNodeMap> {
  public:
   NamedNodeMap(Tree& tree, xmlNode* element, IXMLDOMNode* object)
       : m_use(tree), m_object(object), m_element(element), m_cursor(tree, {element}) {}

@@ -2,7 +2,7 @@
 
 #include "platform/owners.h"
 #include "platform/posix/msxml/child_cursor.h"
-#include "platform/posix/msxml/counted.h"
+#include "platform/posix/msxml/companion.h"
 #include "platform/posix/msxml/guard.h"
 #include "platform/posix/msxml/node_name.h"
 
@@ -16,7 +16,7 @@ struct Children {
 };
 
 /// The parts of a list that do not depend on where its items come from.
-class NodeList : public Counted<IXMLDOMNodeList, IID_IXMLDOMNodeList> {
+class NodeList : public Companion<IXMLDOMNodeList, IID_IXMLDOMNodeList> {
  public:
   HRESULT STDMETHODCALLTYPE get_item(LONG index, IXMLDOMNode** item) override {
     if (item == nullptr) return E_INVALIDARG;

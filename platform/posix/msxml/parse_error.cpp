@@ -1,12 +1,12 @@
 #include "platform/posix/msxml/parse_error.h"
 
-#include "platform/posix/msxml/counted.h"
+#include "platform/posix/msxml/companion.h"
 #include "platform/posix/msxml/guard.h"
 
 namespace velandoc::dom {
 namespace {
 
-class ParseError final : public Counted<IXMLDOMParseError, IID_IXMLDOMParseError> {
+class ParseError final : public Companion<IXMLDOMParseError, IID_IXMLDOMParseError> {
  public:
   explicit ParseError(const ParseFailure& failure) : m_failure(failure) {}
 

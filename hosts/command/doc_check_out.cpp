@@ -1,5 +1,7 @@
 // Check out, check in, undo.
 
+#include <nlohmann/json.hpp>
+
 #include "hosts/command/doc_actions.h"
 #include "hosts/command/doc_check_out_state.h"
 #include "hosts/command/exit_codes.h"

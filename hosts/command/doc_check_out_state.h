@@ -1,7 +1,7 @@
 // Who holds a document, since when, and what follows from it.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <vector>

@@ -1,5 +1,7 @@
 #include "hosts/command/doc_columns.h"
 
+#include <nlohmann/json.hpp>
+
 #include "fields/form_generator.h"
 #include "hosts/command/visible_text.h"
 #include "hosts/text_encoding.h"

@@ -1,7 +1,7 @@
 // The columns of a document as they are shown.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 

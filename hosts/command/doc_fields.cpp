@@ -1,3 +1,5 @@
+#include <nlohmann/json.hpp>
+
 #include "hosts/command/doc_actions.h"
 #include "hosts/command/doc_columns.h"
 #include "hosts/command/exit_codes.h"

@@ -1,10 +1,11 @@
+#include <nlohmann/json.hpp>
+
 #include "hosts/command/doc_actions.h"
 #include "hosts/command/exit_codes.h"
 #include "hosts/command/json_text.h"
 #include "hosts/command/talk.h"
 #include "hosts/command/visible_text.h"
 #include "hosts/text_encoding.h"
-#include "nlohmann/json.hpp"
 #include "platform/standard_streams.h"
 
 namespace velandoc {

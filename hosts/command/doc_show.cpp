@@ -1,3 +1,5 @@
+#include <nlohmann/json.hpp>
+
 #include "hosts/command/doc_actions.h"
 #include "hosts/command/doc_check_out_state.h"
 #include "hosts/command/doc_columns.h"

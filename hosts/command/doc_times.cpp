@@ -1,5 +1,7 @@
 #include "hosts/command/doc_times.h"
 
+#include <nlohmann/json.hpp>
+
 #include "hosts/command/visible_text.h"
 #include "hosts/text_encoding.h"
 

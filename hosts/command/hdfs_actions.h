@@ -1,7 +1,7 @@
 // The commands of `velandoc hdfs`, each with its exit code as the result.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include "hosts/command/hdfs_caller.h"
 #include "hosts/command/options.h"

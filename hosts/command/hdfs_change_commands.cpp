@@ -1,4 +1,6 @@
 // velandoc hdfs rm, mv and mkdir.
+#include <nlohmann/json.hpp>
+
 #include "hosts/command/file_status.h"
 #include "hosts/command/hdfs_actions.h"
 #include "hosts/command/hdfs_changes.h"

@@ -1,5 +1,7 @@
 #include "hosts/command/hdfs_command.h"
 
+#include <nlohmann/json.hpp>
+
 #include "hosts/command/command_module.h"
 #include "hosts/command/hdfs_actions.h"
 #include "hosts/command/hdfs_winhttp_watch.h"

@@ -1,5 +1,7 @@
 #include "hosts/command/hdfs_failure.h"
 
+#include <nlohmann/json.hpp>
+
 #include "hosts/command/server_word.h"
 #include "hosts/command/step_failure.h"
 #include "hosts/command/visible_text.h"

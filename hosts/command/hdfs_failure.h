@@ -1,7 +1,7 @@
 // What went wrong in an operation of HDFS, in words, as an exit code and as JSON.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 

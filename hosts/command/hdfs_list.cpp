@@ -1,6 +1,7 @@
 // velandoc hdfs ls and stat.
 #include <algorithm>
 #include <iterator>
+#include <nlohmann/json.hpp>
 
 #include "hosts/command/file_status.h"
 #include "hosts/command/hdfs_actions.h"

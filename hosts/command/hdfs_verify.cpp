@@ -1,4 +1,6 @@
 // velandoc hdfs verify: which of the name nodes is there and active.
+#include <nlohmann/json.hpp>
+
 #include "hosts/command/hdfs_actions.h"
 #include "hosts/text_encoding.h"
 #include "platform/standard_streams.h"

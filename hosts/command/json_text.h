@@ -1,7 +1,7 @@
 // JSON as the command prints it.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 
 namespace velandoc {

@@ -1,5 +1,7 @@
 #include "hosts/command/transfer_report.h"
 
+#include <nlohmann/json.hpp>
+
 #include "hosts/command/visible_text.h"
 
 namespace velandoc {

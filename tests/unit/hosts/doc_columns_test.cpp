@@ -1,6 +1,7 @@
 #include "hosts/command/doc_columns.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "hosts/command/visible_text.h"
 

@@ -1,6 +1,7 @@
 #include "hosts/command/hdfs_failure.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "platform/wininet_types.h"
 

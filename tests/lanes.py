@@ -17,6 +17,9 @@ import sys
 import time
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
+sys.path.insert(0, str(TOP / "tests/support"))
+from stand_in import StandIn  # noqa: E402  (the path stands one line above)
+
 BUILD = TOP / "build"
 LOGS = BUILD / "test"
 CERTIFICATES = BUILD / "certificates"
@@ -171,34 +174,24 @@ def standin(lane):
     folder = LOGS / f"standin-{lane.name}"
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
-    ready = folder / "ready.json"
     with open(folder / "output.txt", "wb") as output:
-        process = subprocess.Popen(
-            [NATIVE / "bin/velandoc-standin", "--certs", CERTIFICATES, "--log",
-             folder / "requests.jsonl", "--ready", ready, "--max-seconds", "3000"],
-            stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT)
         try:
-            deadline = time.monotonic() + 20
-            while not ready.exists():
-                if process.poll() is not None or time.monotonic() > deadline:
-                    raise LaneFailure("the stand-in server did not start")
-                time.sleep(0.02)
-            ports = json.loads(ready.read_text())
+            server = StandIn(NATIVE / "bin/velandoc-standin", CERTIFICATES, folder, "--max-seconds", "3000",
+                             output=output)
+        except RuntimeError as error:
+            raise LaneFailure(str(error)) from error
+        try:
             yield {
-                "VELANDOC_STANDIN": f"http={ports['http']},https={ports['https']},"
-                                    f"control={ports['control']}",
+                "VELANDOC_STANDIN": ",".join(f"{name}={server.ports[name]}" for name in ("http", "https", "control")),
                 "VELANDOC_CERTIFICATES": str(CERTIFICATES),
                 # The first of the two that is set counts.
                 "CURL_CA_BUNDLE": str(CERTIFICATES / "ca.pem"),
                 "SSL_CERT_FILE": str(CERTIFICATES / "ca.pem"),
             }
         finally:
-            process.terminate()
             try:
-                process.wait(timeout=10)
+                server.stop()
             except subprocess.TimeoutExpired:
-                process.kill()
-                process.wait()
                 lane.add("stand-in server ends on SIGTERM", "failed")
 
 

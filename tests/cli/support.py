@@ -1,7 +1,5 @@
 """Runs the programs against a stand-in server: plainly, or on a terminal."""
 
-import http.client
-import json
 import os
 import pathlib
 import pty
@@ -10,12 +8,16 @@ import select
 import shutil
 import signal
 import subprocess
+import sys
 import tempfile
 import termios
 import time
 import unittest
 
 TOP = pathlib.Path(__file__).resolve().parent.parent.parent
+sys.path.insert(0, str(TOP / "tests/support"))
+from stand_in import StandIn  # noqa: E402  (the path stands one line above)
+
 CERTIFICATES = TOP / "build/certificates"
 TIMEOUT = 60
 
@@ -25,42 +27,16 @@ standin = None
 server = None
 
 
-class Server:
+class Server(StandIn):
     """One stand-in server for the whole run."""
 
     def __init__(self):
-        self.folder = tempfile.TemporaryDirectory(prefix="velandoc-cli-")
-        ready = pathlib.Path(self.folder.name) / "ready.json"
         subprocess.run([TOP / "standin/make-certificates", CERTIFICATES], check=True,
                        stdout=subprocess.DEVNULL)
+        self.folder = tempfile.TemporaryDirectory(prefix="velandoc-cli-")
         self.hdfs = pathlib.Path(self.folder.name) / "hdfs"
         self.hdfs.mkdir()
-        self.process = subprocess.Popen(
-            [standin, "--certs", CERTIFICATES, "--log", pathlib.Path(self.folder.name) / "log",
-             "--ready", ready, "--hdfs", self.hdfs, "--max-seconds", "900"], stdin=subprocess.DEVNULL)
-        deadline = time.monotonic() + 20
-        while not ready.exists():
-            if self.process.poll() is not None or time.monotonic() > deadline:
-                raise RuntimeError("the stand-in server does not start")
-            time.sleep(0.02)
-        self.ports = json.loads(ready.read_text(encoding="ascii"))
-
-    def command(self, method, path, body=None):
-        connection = http.client.HTTPConnection("127.0.0.1", self.ports["control"], timeout=20)
-        connection.request(method, path, None if body is None else json.dumps(body))
-        answer = connection.getresponse()
-        data = answer.read()
-        connection.close()
-        if answer.status != 200:
-            raise RuntimeError(f"{method} {path}: {answer.status} {data!r}")
-        return json.loads(data) if data.strip() else None
-
-    def rules(self, *rules):
-        self.command("PUT", "/behaviour", list(rules))
-
-    def restore(self):
-        """The site, its caller and its clock as they were when the server started."""
-        self.command("DELETE", "/site")
+        super().__init__(standin, CERTIFICATES, self.folder.name, "--hdfs", self.hdfs, "--max-seconds", "900")
 
     def empty_hdfs(self):
         """HDFS without a file, and of the usual kind."""
@@ -69,11 +45,10 @@ class Server:
             shutil.rmtree(entry) if entry.is_dir() else entry.unlink()
 
     def log(self):
-        return [record for record in self.command("GET", "/log") if record["method"] != "CONNECT"]
+        return [record for record in super().log() if record["method"] != "CONNECT"]
 
     def stop(self):
-        self.process.terminate()
-        self.process.wait(timeout=20)
+        super().stop()
         self.folder.cleanup()
 
 

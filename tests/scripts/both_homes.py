@@ -1,14 +1,12 @@
 """A stand-in server with the two homes beside it, and how a request of the one is held against the other's."""
 
-import pathlib
 import re
-import subprocess
 import tempfile
-import time
 import unittest
 import xml.etree.ElementTree
 
 import run_case
+from stand_in import StandIn
 
 CERTIFICATES = run_case.TOP / "build/certificates"
 
@@ -46,22 +44,12 @@ class BothHomes(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.folder = tempfile.TemporaryDirectory(prefix="velandoc-scripts-")
-        ready = pathlib.Path(cls.folder.name) / "ready.json"
-        cls.process = subprocess.Popen(
-            [run_case.TOP / "build/native/bin/velandoc-standin", "--certs", CERTIFICATES, "--log",
-             pathlib.Path(cls.folder.name) / "requests.jsonl", "--ready", ready, "--max-seconds", "1200"],
-            stdin=subprocess.DEVNULL)
+        cls.server = StandIn(run_case.TOP / "build/native/bin/velandoc-standin", CERTIFICATES, cls.folder.name,
+                             "--max-seconds", "1200")
         cls.addClassCleanup(cls.stop)
-        deadline = time.monotonic() + 20
-        while not ready.exists():
-            if cls.process.poll() is not None or time.monotonic() > deadline:
-                raise RuntimeError("the stand-in server does not start")
-            time.sleep(0.02)
-        cls.server = run_case.StandIn(ready)
         cls.homes = {name: make(cls.server.ports) for name, make in run_case.HOMES.items()}
 
     @classmethod
     def stop(cls):
-        cls.process.terminate()
-        cls.process.wait(timeout=20)
+        cls.server.stop()
         cls.folder.cleanup()

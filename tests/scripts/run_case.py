@@ -17,7 +17,6 @@ nothing catches ends a script in silence and with exit code 0.
 
 import argparse
 import atexit
-import http.client
 import json
 import os
 import pathlib
@@ -28,6 +27,9 @@ import sys
 import tempfile
 
 TOP = pathlib.Path(__file__).resolve().parent.parent.parent
+sys.path.insert(0, str(TOP / "tests/support"))
+from stand_in import Control  # noqa: E402  (the path stands one line above)
+
 ECHO_CLASS = "{C2E4F5A0-5B0E-4E5A-9C52-6B1A6F0E7D31}"
 ECHO_NAME = "VelandocTest.Echo"
 TIMEOUT = 120
@@ -64,32 +66,6 @@ class Result:
         self.code = code
         self.lines = output.decode("utf-8", "replace").replace("\r\n", "\n").splitlines()
         self.errors = errors.decode("utf-8", "replace")
-
-
-class StandIn:
-    """The control port of a running server."""
-
-    def __init__(self, ready):
-        self.ports = json.loads(pathlib.Path(ready).read_text(encoding="ascii"))
-
-    def command(self, method, path, body=None):
-        connection = http.client.HTTPConnection("127.0.0.1", self.ports["control"], timeout=20)
-        connection.request(method, path, None if body is None else json.dumps(body))
-        answer = connection.getresponse()
-        data = answer.read()
-        connection.close()
-        if answer.status != 200:
-            raise RuntimeError(f"{method} {path}: {answer.status} {data!r}")
-        return json.loads(data) if data.strip() else None
-
-    def prepare(self, rules):
-        self.command("PUT", "/behaviour", rules or [])
-        self.command("DELETE", "/site")
-        self.command("DELETE", "/hdfs")
-        self.command("DELETE", "/log")
-
-    def log(self):
-        return self.command("GET", "/log")
 
 
 class NativeHome:
@@ -214,7 +190,7 @@ def main():
     parser.add_argument("--ready", required=True, help="the file that the stand-in server wrote")
     parser.add_argument("case")
     arguments = parser.parse_args()
-    server = StandIn(arguments.ready)
+    server = Control(json.loads(pathlib.Path(arguments.ready).read_text(encoding="ascii")))
     case = Case(arguments.case)
     home = HOMES[arguments.home](server.ports)
     server.prepare(case.rules)

@@ -1,17 +1,17 @@
 """Starts the server and talks to it."""
 
-import contextlib
 import http.client
-import json
 import os
-import signal
 import socket
 import subprocess
+import sys
 import tempfile
-import time
 import unittest
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+sys.path.insert(0, os.path.join(ROOT, "tests", "support"))
+from stand_in import StandIn  # noqa: E402  (the path stands one line above)
+
 NAMESPACE = "http://schemas.microsoft.com/sharepoint/soap/"
 CALL = (
     '<soap:Envelope xmlns:soap="http://schemas.xmlsoap.org/soap/envelope/"><soap:Body>'
@@ -26,51 +26,13 @@ binary = None
 certificates = None
 
 
-class Server:
+class Server(StandIn):
     """One running server."""
 
     def __init__(self, folder, *arguments):
-        self.log_file = os.path.join(folder, "requests.log")
-        ready = os.path.join(folder, "ready.json")
-        with contextlib.suppress(FileNotFoundError):
-            os.unlink(ready)
-        self.process = subprocess.Popen(
-            [binary, "--certs", certificates, "--log", self.log_file, "--ready", ready]
-            + list(arguments)
-        )
-        deadline = time.monotonic() + 10
-        while not os.path.exists(ready):
-            if self.process.poll() is not None or time.monotonic() > deadline:
-                raise RuntimeError("the server does not start")
-            time.sleep(0.01)
-        with open(ready, encoding="ascii") as file:
-            ports = json.load(file)
-        self.http, self.https, self.control = ports["http"], ports["https"], ports["control"]
-        self.pid = ports["pid"]
-
-    def command(self, method, path, body=None):
-        connection = http.client.HTTPConnection("127.0.0.1", self.control, timeout=10)
-        try:
-            text = None if body is None else json.dumps(body)
-            connection.request(method, path, text)
-            answer = connection.getresponse()
-            content = json.loads(answer.read())
-        finally:
-            connection.close()
-        if answer.status != 200:
-            raise ValueError(content["error"])
-        return content
-
-    def rules(self, *rules):
-        self.command("PUT", "/behaviour", list(rules))
-
-    def log(self):
-        return self.command("GET", "/log")
-
-    def stop(self):
-        if self.process.poll() is None:
-            self.process.send_signal(signal.SIGTERM)
-        return self.process.wait(timeout=10)
+        super().__init__(binary, certificates, folder, *arguments)
+        self.http, self.https, self.control = (self.ports[name] for name in ("http", "https", "control"))
+        self.pid = self.ports["pid"]
 
 
 class StandInTest(unittest.TestCase):

@@ -851,7 +851,7 @@ class HdfsProcessTest(unittest.TestCase):
         self.addCleanup(server.stop)
         self.assertIn(b'{"boolean":true}', self.ask(server, PREFIX + "/d?op=MKDIRS", "PUT"))
         self.assertEqual(server.stop(), 0)
-        self.assertEqual(sorted(os.listdir(self.folder.name)), ["ready.json", "requests.log"])
+        self.assertEqual(sorted(os.listdir(self.folder.name)), ["ready.json", "requests.jsonl"])
 
     def test_missing_folder(self):
         result = subprocess.run(

@@ -15,6 +15,29 @@ bool IsUser(velandoc::WideView commandLine) {
   return velandoc::EqualsIgnoringAsciiCase(commandLine, OLESTR("user"));
 }
 
+HRESULT Register() {
+  const HRESULT result = Module().RegisterServer();
+  return FAILED(result) ? result : Runtime().NdrDllRegisterProxy();
+}
+
+HRESULT Unregister() {
+  HRESULT result = Module().UnregisterServer();
+  if (FAILED(result)) return result;
+  // Registered first, so that there is always something to remove: unregistering proxies that are
+  // not there fails.
+  result = Runtime().NdrDllRegisterProxy();
+  return FAILED(result) ? result : Runtime().NdrDllUnregisterProxy();
+}
+
+/// Runs `work` while nobody else registers. Its failure goes before that of keeping what it did.
+template <class Work>
+HRESULT RunAlone(Work work) {
+  const HANDLE lock = Runtime().LockRegistration(AtlGetPerUserRegistration());
+  const HRESULT result = work();
+  const HRESULT kept = Runtime().UnlockRegistration(lock);
+  return SUCCEEDED(result) && FAILED(kept) ? kept : result;
+}
+
 }  // namespace
 
 STDAPI DllCanUnloadNow() {
@@ -28,25 +51,17 @@ STDAPI DllGetClassObject(REFCLSID rclsid, REFIID riid, LPVOID* object) {
   return Module().GetClassObject(rclsid, riid, object);
 }
 
-STDAPI DllRegisterServer() {
-  const HRESULT result = Module().RegisterServer();
-  return FAILED(result) ? result : Runtime().NdrDllRegisterProxy();
-}
+STDAPI DllRegisterServer() { return RunAlone(&Register); }
 
-STDAPI DllUnregisterServer() {
-  HRESULT result = Module().UnregisterServer();
-  if (FAILED(result)) return result;
-  // Registered first, so that there is always something to remove: unregistering proxies that are
-  // not there fails.
-  result = Runtime().NdrDllRegisterProxy();
-  return FAILED(result) ? result : Runtime().NdrDllUnregisterProxy();
-}
+STDAPI DllUnregisterServer() { return RunAlone(&Unregister); }
 
 STDAPI DllInstall(BOOL install, LPCWSTR commandLine) {
   if (commandLine != nullptr && IsUser(commandLine)) AtlSetPerUserRegistration(true);
   if (!install) return DllUnregisterServer();
-  const HRESULT result = DllRegisterServer();
-  // What failed is what the caller wants to know, not how taking it back went.
-  if (FAILED(result)) DllUnregisterServer();
-  return result;
+  return RunAlone([] {
+    const HRESULT result = Register();
+    // What failed is what the caller wants to know, not how taking it back went.
+    if (FAILED(result)) Unregister();
+    return result;
+  });
 }

@@ -17,8 +17,9 @@ class SatelliteSearch {
   /// Goes through the user's languages, best first, and stops at the first one that has a satellite
   /// beside `module`: true, with its name in `path`. An English name ends the search, whatever
   /// stands behind it: English is in the module itself, and who ranks it higher wants that. False,
-  /// with an empty `path`, without a satellite, without languages, and for a module whose path or
-  /// list of languages is too long for the fixed buffers (260 and 121 characters).
+  /// with an empty `path`, without a satellite and without languages. The buffers are fixed: a list
+  /// of more than 120 characters counts as no languages, and of a path of more than 259 the rest is
+  /// cut off, so the satellite of such a module is not found.
   ///
   /// The languages are asked for once; only a call that got none makes the next one ask again.
   /// Later changes of the thread's languages have no effect. Not for two threads at once: the

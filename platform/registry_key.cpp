@@ -7,7 +7,6 @@ namespace {
 
 constexpr LONG kSuccess = static_cast<LONG>(ERROR_SUCCESS);
 constexpr LONG kNotFound = static_cast<LONG>(ERROR_FILE_NOT_FOUND);
-constexpr LONG kNoMore = static_cast<LONG>(ERROR_NO_MORE_ITEMS);
 
 // Characters of a key's name, which the registry itself bounds, and its terminator.
 constexpr std::size_t kNameRoom = 256;
@@ -16,7 +15,7 @@ Registry& System() { return CurrentPort<Registry>(); }
 
 LONG NotFoundIsSuccess(LONG error) { return error == kNotFound ? kSuccess : error; }
 
-/// kNoMore if `name` has no subkeys, kSuccess if it has.
+/// kSuccess if `name` has subkeys.
 LONG FindSubKey(HKEY parent, const WideString& name) {
   OpenKey key;
   if (const LONG error = key.Open(parent, name)) return error;
@@ -73,9 +72,11 @@ LONG DeleteKeyTree(HKEY parent, const WideString& name) {
 }
 
 LONG DeleteKeyWithoutSubKeys(HKEY parent, const WideString& name) {
-  const LONG found = FindSubKey(parent, name);
-  if (found != kNoMore) return NotFoundIsSuccess(found);
-  return NotFoundIsSuccess(System().RegDeleteKeyW(parent, name.c_str()));
+  // The system is asked first: below HKEY_CLASSES_ROOT a key shows the subkeys of the user and the
+  // machine, but those of the one that is written to are what keeps it.
+  const LONG error = System().RegDeleteKeyW(parent, name.c_str());
+  if (error != static_cast<LONG>(ERROR_ACCESS_DENIED)) return NotFoundIsSuccess(error);
+  return FindSubKey(parent, name) == kSuccess ? kSuccess : error;
 }
 
 }  // namespace velandoc

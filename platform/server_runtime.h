@@ -38,12 +38,16 @@ class ServerRuntime {
   virtual LCID GetThreadLocale() = 0;
   virtual BOOL SetThreadLocale(LCID lcid) = 0;
 
-  /// Keeps other processes from registering or unregistering in the same place (the user's or the
-  /// machine's) until UnlockRegistration. Null if that can't be had within ten seconds, or at all:
-  /// what then fails tells why. Windows has no such lock, and null.
+  /// Keeps others from registering or unregistering until UnlockRegistration, which the same thread
+  /// calls: the scripts remove keys and make them again, and two at once would take each other's
+  /// away. On Linux it is the lock of the user's or the machine's file, and what is changed there
+  /// in between appears at once, at the end. Null if it can't be had: on Linux the changes then go
+  /// into the file one by one, and the first tells why it can't; on Windows they are made all the
+  /// same once another process has kept the lock for a minute.
   virtual HANDLE LockRegistration(bool forUser) = 0;
-  /// Null is nothing to unlock.
-  virtual void UnlockRegistration(HANDLE lock) = 0;
+  /// The end. On Linux the file's error as HRESULT_FROM_WIN32 if it can't be written; nothing is
+  /// changed then. Null is nothing to unlock.
+  virtual HRESULT UnlockRegistration(HANDLE lock) = 0;
 
   /// HRESULTs of the system: those of LoadTypeLib and of the registry.
   virtual HRESULT RegisterTypeLib(const TypeLibrary& library) = 0;

@@ -28,19 +28,6 @@ class SystemLocale {
   LCID m_locale;
 };
 
-/// A script's keys are removed and made again one by one: two who register at once would take each
-/// other's away.
-class RegistrationLock {
- public:
-  RegistrationLock() : m_lock(Runtime().LockRegistration(AtlGetPerUserRegistration())) {}
-  ~RegistrationLock() { Runtime().UnlockRegistration(m_lock); }
-  RegistrationLock(const RegistrationLock&) = delete;
-  RegistrationLock& operator=(const RegistrationLock&) = delete;
-
- private:
-  HANDLE m_lock;
-};
-
 /// Runs `step`, whose exceptions become its result.
 template <class Step>
 HRESULT Guarded(Step step) try {
@@ -99,7 +86,6 @@ HRESULT CAtlDllModule::GetClassObject(REFCLSID rclsid, REFIID riid, void** objec
 }
 
 HRESULT CAtlDllModule::RegisterServer() {
-  const RegistrationLock lock;
   const SystemLocale locale;
   HRESULT result = UpdateRegistryFromResource(m_description.appIdScript, true);
   for (const _ATL_OBJMAP_ENTRY& entry : m_description.objectMap) {
@@ -110,7 +96,6 @@ HRESULT CAtlDllModule::RegisterServer() {
 }
 
 HRESULT CAtlDllModule::UnregisterServer() {
-  const RegistrationLock lock;
   const SystemLocale locale;
   for (const _ATL_OBJMAP_ENTRY& entry : m_description.objectMap) {
     const HRESULT result = UpdateRegistryFromResource(entry.registryScript, false);

@@ -120,11 +120,11 @@ class PosixServerRuntime final : public ServerRuntime {
   }
 
   HANDLE LockRegistration(bool forUser) override {
-    FileDescriptor lock = LockHive(forUser ? Hive::kUser : Hive::kMachine);
-    return lock ? std::make_unique<FileDescriptor>(std::move(lock)).release() : nullptr;
+    const DWORD error = BeginHiveChanges(forUser ? Hive::kUser : Hive::kMachine);
+    return error == ERROR_SUCCESS ? this : nullptr;
   }
-  void UnlockRegistration(HANDLE lock) override {
-    const std::unique_ptr<FileDescriptor> held(static_cast<FileDescriptor*>(lock));
+  HRESULT UnlockRegistration(HANDLE lock) override {
+    return lock != nullptr ? HRESULT_FROM_WIN32(EndHiveChanges()) : S_OK;
   }
 
   HRESULT RegisterTypeLib(const TypeLibrary& library) override {

@@ -16,6 +16,9 @@ BOOL WINAPI PrxDllMain(HINSTANCE module, DWORD reason, LPVOID reserved);
 namespace velandoc {
 namespace {
 
+constexpr const wchar_t* kRegistrationMutex = L"Global\\Velandoc.Registration";
+constexpr DWORD kLockWait = 60000;  // milliseconds
+
 using RegisterForUser = HRESULT(WINAPI*)(ITypeLib* library, OLECHAR* path, OLECHAR* helpFolder);
 using UnRegisterForUser = HRESULT(WINAPI*)(REFGUID id, WORD major, WORD minor, LCID lcid,
                                            SYSKIND system);
@@ -60,8 +63,23 @@ class WindowsServerRuntime final : public ServerRuntime {
   LCID GetThreadLocale() override { return ::GetThreadLocale(); }
   BOOL SetThreadLocale(LCID lcid) override { return ::SetThreadLocale(lcid); }
 
-  HANDLE LockRegistration(bool) override { return nullptr; }
-  void UnlockRegistration(HANDLE) override {}
+  HANDLE LockRegistration(bool) override {
+    // One for the user and the machine: the type library and the proxies may go to the machine in
+    // either case. Another user's lock can't be opened, and is nobody's to wait for.
+    const HANDLE mutex = CreateMutexW(nullptr, FALSE, kRegistrationMutex);
+    if (mutex == nullptr) return nullptr;
+    const DWORD waited = WaitForSingleObject(mutex, kLockWait);
+    // A process that ended with the lock has left it to us.
+    if (waited == WAIT_OBJECT_0 || waited == WAIT_ABANDONED) return mutex;
+    CloseHandle(mutex);
+    return nullptr;
+  }
+  HRESULT UnlockRegistration(HANDLE lock) override {
+    if (lock == nullptr) return S_OK;
+    ReleaseMutex(lock);
+    CloseHandle(lock);
+    return S_OK;
+  }
 
   HRESULT RegisterTypeLib(const TypeLibrary& library) override {
     return Register(library, &::RegisterTypeLib);

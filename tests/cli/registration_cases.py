@@ -5,7 +5,9 @@ import os
 import pathlib
 import re
 import shutil
+import signal
 import subprocess
+import time
 
 import support
 
@@ -102,19 +104,90 @@ class Registration(RegistryCase):
                     f"registered {self.library()} in HKEY_CURRENT_USER\\Software\\Classes ({file})\n", "")
         self.assertEqual(file.stat().st_mode & 0o777, 0o600)
 
-    def test_two_at_once_leave_a_whole_registry(self):
-        self.succeed("register", "--user")
-        alone = (self.registry / "user.reg").read_bytes()
-        (self.registry / "user.reg").unlink()
-        for _ in range(5):
-            writers = [subprocess.Popen([support.command, "register", "--user"], env=self.environment,
-                                        stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-                       for _ in range(4)]
+
+class AtOnce(RegistryCase):
+    """Several processes at once, and processes that are killed: a registry file is always whole."""
+
+    def start(self, *arguments):
+        program = subprocess.Popen([support.command, *arguments], env=self.environment, stdin=subprocess.DEVNULL,
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+        self.addCleanup(program.wait, timeout=60)
+        self.addCleanup(program.stderr.close)
+        self.addCleanup(program.kill)
+        return program
+
+    def files(self):
+        return {path.name: path.read_bytes() for path in self.registry.glob("*.reg")}
+
+    def succeed_reading(self):
+        done = self.run_program(support.command, "classes")
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+
+    def states(self):
+        """Both files with everything registered, and with everything taken out again."""
+        for options in ([], ["--user"]):
+            self.succeed("register", *options)
+        registered = self.files()
+        for options in ([], ["--user"]):
+            self.succeed("unregister", *options)
+        return registered, self.files()
+
+    def test_all_register(self):
+        registered, _ = self.states()
+        for _ in range(10):
+            shutil.rmtree(self.registry)
+            writers = [self.start("register", *options) for options in ([], ["--user"]) * 4]
             for writer in writers:
-                _, said = writer.communicate(timeout=60)
-                self.assertEqual((writer.returncode, said), (0, b""))
-            self.assertEqual((self.registry / "user.reg").read_bytes(), alone)
-        self.assertEqual(sorted(path.name for path in self.registry.iterdir()), ["user.reg", "user.reg.lock", "user.reg.registration.lock"])
+                self.assertEqual((writer.communicate(timeout=60)[1], writer.returncode), (b"", 0))
+            self.assertEqual(self.files(), registered)
+        self.assertEqual(sorted(path.name for path in self.registry.iterdir()),
+                         ["machine.reg", "machine.reg.lock", "user.reg", "user.reg.lock"])
+
+    def test_some_register_while_others_unregister(self):
+        registered, empty = self.states()
+        seen = set()
+        for _ in range(15):
+            writers = [self.start(action, *options) for options in ([], ["--user"])
+                       for action in ("register", "unregister", "register")]
+            for number, writer in enumerate(writers):
+                said = writer.communicate(timeout=60)[1]
+                # What is not registered cannot be unregistered; registering always can be done.
+                self.assertIn(writer.returncode, (0, 4) if number % 3 == 1 else (0,), said)
+            for name, content in self.files().items():
+                self.assertIn(content, (registered[name], empty[name]))
+                seen.add(content == registered[name])
+        self.assertIn(True, seen)
+
+    def test_readers_see_all_or_nothing(self):
+        registered, empty = self.states()
+        file = self.registry / "machine.reg"
+        for action in ("register", "unregister") * 3:
+            writer = self.start(action)
+            while writer.poll() is None:
+                self.assertIn(file.read_bytes(), (registered[file.name], empty[file.name]))
+            self.assertEqual(writer.returncode, 0)
+
+    def test_a_killed_writer_leaves_a_whole_registry_and_no_lock(self):
+        registered, empty = self.states()
+        started = time.monotonic()
+        self.succeed("register")
+        whole = time.monotonic() - started
+        file = self.registry / "machine.reg"
+        killed = 0
+        for number in range(40):
+            action = "unregister" if file.read_bytes() == registered[file.name] else "register"
+            writer = self.start(action)
+            # From its start to behind its end, evenly.
+            time.sleep(whole * 1.2 * number / 40)
+            writer.kill()
+            killed += writer.wait(timeout=60) == -signal.SIGKILL
+            self.assertIn(file.read_bytes(), (registered[file.name], empty[file.name]), f"{action}, {number}")
+            self.succeed_reading()
+        self.assertGreater(killed, 10)
+        started = time.monotonic()
+        self.succeed("register")
+        self.assertLess(time.monotonic() - started, 5)
+        self.assertEqual(file.read_bytes(), registered[file.name])
 
 
 class Classes(RegistryCase):

@@ -22,7 +22,7 @@ class RecordingRuntime : public ServerRuntime {
   /// The library that the last type library operation was given.
   TypeLibrary library{};
   HINSTANCE proxyModule = nullptr;
-  /// "machine and unlocked" once a registration has ended.
+  /// "machine: CALL, CALL, unlocked" once a registration has ended: the calls under its lock.
   std::string locked;
 
   LCID GetThreadLocale() override {
@@ -35,12 +35,15 @@ class RecordingRuntime : public ServerRuntime {
     return TRUE;
   }
   HANDLE LockRegistration(bool forUser) override {
-    locked = forUser ? "user" : "machine";
+    locked = forUser ? "user:" : "machine:";
+    m_lockedAt = calls.size();
     return this;
   }
-  void UnlockRegistration(HANDLE lock) override {
+  HRESULT UnlockRegistration(HANDLE lock) override {
     EXPECT_EQ(lock, this);
-    locked += " and unlocked";
+    for (std::size_t i = m_lockedAt; i < calls.size(); ++i) locked += " " + calls[i] + ",";
+    locked += " unlocked";
+    return ResultOf("UnlockRegistration");
   }
   HRESULT RegisterTypeLib(const TypeLibrary& given) override {
     library = given;
@@ -73,9 +76,14 @@ class RecordingRuntime : public ServerRuntime {
  private:
   HRESULT Answer(const std::string& operation) {
     calls.push_back(operation);
+    return ResultOf(operation);
+  }
+  HRESULT ResultOf(const std::string& operation) const {
     const auto found = results.find(operation);
     return found != results.end() ? found->second : S_OK;
   }
+
+  std::size_t m_lockedAt = 0;
 };
 
 }  // namespace velandoc

@@ -92,6 +92,12 @@ class Prefix:
             output.seek(0)
             return done.returncode, output.read().decode("utf-8", "replace").replace("\r", "")
 
+    def run_at_once(self, *commands: tuple[str, ...]) -> list[int]:
+        """Exit codes of programs that run at the same time."""
+        programs = [subprocess.Popen([self.wine, *command], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                     stderr=subprocess.DEVNULL, env=self.environment) for command in commands]
+        return [program.wait(timeout=120) for program in programs]
+
     def registry(self) -> dict[str, dict[str, str]]:
         """Every key with its values; keys in lower case, since the registry does not tell cases apart."""
         keys: dict[str, dict[str, str]] = {}
@@ -276,6 +282,26 @@ def run(prefix: Prefix, dll: pathlib.Path, checks: Checks) -> None:
     checks.equal("/i:username registers for the machine", difference(before, prefix.registry()),
                  script_keys(machine, path) | system_keys(machine, path))
     prefix.run("regsvr32", "/s", "/u", path)
+
+    before = prefix.registry()
+    register, unregister = ("regsvr32", "/s", path), ("regsvr32", "/s", "/u", path)
+    for number in range(1, 4):
+        checks.equal(f"four at once register ({number})", prefix.run_at_once(*[register] * 4), [0] * 4)
+        checks.equal(f"four at once leave a whole registry ({number})", difference(before, prefix.registry()),
+                     script_keys(machine, path) | system_keys(machine, path))
+        checks.equal(f"they are unregistered ({number})", prefix.run(*unregister)[0], 0)
+    checks.equal("one registers for the machine while one does for the user",
+                 prefix.run_at_once(register, ("regsvr32", "/s", "/n", "/i:user", path)), [0, 0])
+    written = {key: values for key, values in difference(before, prefix.registry()).items()
+               if key not in (user, user + r"\appid", user + r"\clsid")}
+    checks.equal("they leave both their keys", written,
+                 script_keys(machine, path) | script_keys(user, path) | system_keys(machine, path))
+    prefix.run("regsvr32", "/s", "/u", "/n", "/i:user", path)
+    prefix.run(*register)
+    checks.equal("the last registration is taken out again", prefix.run(*unregister)[0], 0)
+    left = {key: values for key, values in leftovers(before, prefix.registry()).items()
+            if key not in (user, user + r"\appid", user + r"\clsid")}
+    checks.equal("nothing of them stays", left, {})
 
 
 def main() -> int:

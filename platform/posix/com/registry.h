@@ -44,6 +44,7 @@ inline constexpr DWORD REG_BINARY = 3;
 inline constexpr DWORD REG_DWORD = 4;
 inline constexpr DWORD REG_MULTI_SZ = 7;
 
+inline constexpr DWORD ERROR_BUSY = 170;
 /// A registry file that can't be understood, or that passes a limit. It is left as it is.
 inline constexpr DWORD ERROR_BADDB = 1009;
 /// A registry file that is there but can't be read.

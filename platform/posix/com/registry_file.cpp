@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
+#include <new>
 #include <string>
 #include <thread>
 #include <utility>
@@ -202,6 +203,58 @@ DWORD ReplaceFile(const std::string& folder, const std::string& path, mode_t mod
   return ERROR_SUCCESS;
 }
 
+/// A hive under its lock, as it was read and as it is to be written.
+struct LockedHive {
+  Hive hive = Hive::kMachine;
+  std::string folder;
+  std::string path;
+  FileDescriptor lock;
+  std::shared_ptr<const RegistryKey> before;
+  std::shared_ptr<const RegistryKey> after;
+};
+
+DWORD OpenLocked(Hive hive, LockedHive& locked) {
+  const HiveTraits& traits = TraitsOf(hive);
+  locked.hive = hive;
+  locked.folder = FolderOf(hive);
+  if (locked.folder.empty()) return ERROR_PATH_NOT_FOUND;
+  DWORD error = MakeFolder(locked.folder, traits.folderMode);
+  if (error != ERROR_SUCCESS) return error;
+  locked.path = HivePath(hive);
+  locked.lock = FileDescriptor(open((locked.path + ".lock").c_str(),
+                                    O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, traits.fileMode));
+  if (!locked.lock) return ErrorOf(errno, ERROR_CANTWRITE);
+  error = Lock(locked.lock);
+  if (error != ERROR_SUCCESS) return error;
+  error = LoadFile(hive, locked.path, locked.before);
+  locked.after = locked.before;
+  return error;
+}
+
+/// A change that fails half done must not show.
+DWORD ChangeCopy(LockedHive& locked, const std::function<DWORD(RegistryKey& root)>& change) {
+  auto copy = std::make_shared<RegistryKey>(*locked.after);
+  const DWORD error = change(*copy);
+  if (error == ERROR_SUCCESS) locked.after = std::move(copy);
+  return error;
+}
+
+DWORD Write(const LockedHive& locked) {
+  const HiveTraits& traits = TraitsOf(locked.hive);
+  const std::string text = WriteRegistryText(*locked.after, traits.name);
+  if (text.size() > kMaxRegistryFile) return ERROR_BADDB;
+  if (text == WriteRegistryText(*locked.before, traits.name)) return ERROR_SUCCESS;
+  return ReplaceFile(locked.folder, locked.path, traits.fileMode, text);
+}
+
+/// What the thread has begun to change. A bare pointer: a thread's object with a destructor would
+/// keep the runtime loaded until the thread ends.
+constinit thread_local LockedHive* t_begun = nullptr;
+
+LockedHive* Begun(Hive hive) {
+  return t_begun != nullptr && t_begun->hive == hive ? t_begun : nullptr;
+}
+
 }  // namespace
 
 std::string HivePath(Hive hive) {
@@ -209,17 +262,28 @@ std::string HivePath(Hive hive) {
   return folder.empty() ? folder : folder + "/" + TraitsOf(hive).fileName;
 }
 
-FileDescriptor LockHive(Hive hive) {
-  const HiveTraits& traits = TraitsOf(hive);
-  const std::string folder = FolderOf(hive);
-  if (folder.empty() || MakeFolder(folder, traits.folderMode) != ERROR_SUCCESS) return {};
-  FileDescriptor file(open((HivePath(hive) + ".registration.lock").c_str(),
-                           O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, traits.fileMode));
-  if (!file || Lock(file) != ERROR_SUCCESS) return {};
-  return file;
+DWORD BeginHiveChanges(Hive hive) try {
+  if (t_begun != nullptr) return ERROR_BUSY;
+  auto locked = std::make_unique<LockedHive>();
+  const DWORD error = OpenLocked(hive, *locked);
+  if (error == ERROR_SUCCESS) t_begun = locked.release();
+  return error;
+} catch (const std::bad_alloc&) {
+  return ERROR_NOT_ENOUGH_MEMORY;
+}
+
+DWORD EndHiveChanges() try {
+  const std::unique_ptr<const LockedHive> ended(std::exchange(t_begun, nullptr));
+  return ended ? Write(*ended) : ERROR_SUCCESS;
+} catch (const std::bad_alloc&) {
+  return ERROR_NOT_ENOUGH_MEMORY;
 }
 
 DWORD LoadHive(Hive hive, std::shared_ptr<const RegistryKey>& root) {
+  if (const LockedHive* begun = Begun(hive)) {
+    root = begun->after;
+    return ERROR_SUCCESS;
+  }
   const std::string path = HivePath(hive);
   if (path.empty()) {
     root = std::make_shared<RegistryKey>();
@@ -229,25 +293,11 @@ DWORD LoadHive(Hive hive, std::shared_ptr<const RegistryKey>& root) {
 }
 
 DWORD ChangeHive(Hive hive, const std::function<DWORD(RegistryKey& root)>& change) {
-  const HiveTraits& traits = TraitsOf(hive);
-  const std::string folder = FolderOf(hive);
-  if (folder.empty()) return ERROR_PATH_NOT_FOUND;
-  if (const DWORD error = MakeFolder(folder, traits.folderMode); error != ERROR_SUCCESS)
-    return error;
-  const std::string path = HivePath(hive);
-  const FileDescriptor lockFile(
-      open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, traits.fileMode));
-  if (!lockFile) return ErrorOf(errno, ERROR_CANTWRITE);
-  if (const DWORD error = Lock(lockFile); error != ERROR_SUCCESS) return error;
-
-  std::shared_ptr<const RegistryKey> before;
-  if (const DWORD error = LoadFile(hive, path, before); error != ERROR_SUCCESS) return error;
-  RegistryKey after(*before);
-  if (const DWORD error = change(after); error != ERROR_SUCCESS) return error;
-  const std::string text = WriteRegistryText(after, traits.name);
-  if (text.size() > kMaxRegistryFile) return ERROR_BADDB;
-  if (text == WriteRegistryText(*before, traits.name)) return ERROR_SUCCESS;
-  return ReplaceFile(folder, path, traits.fileMode, text);
+  if (LockedHive* begun = Begun(hive)) return ChangeCopy(*begun, change);
+  LockedHive locked;
+  DWORD error = OpenLocked(hive, locked);
+  if (error == ERROR_SUCCESS) error = ChangeCopy(locked, change);
+  return error == ERROR_SUCCESS ? Write(locked) : error;
 }
 
 }  // namespace velandoc

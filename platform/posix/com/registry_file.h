@@ -5,7 +5,6 @@
 #include <memory>
 #include <string>
 
-#include "platform/posix/com/file_descriptor.h"
 #include "platform/posix/com/registry_tree.h"
 
 namespace velandoc {
@@ -15,10 +14,15 @@ enum class Hive { kMachine, kUser };
 /// The hive's file in UTF-8, whether it is there or not; empty if the user has no home.
 COM_EXPORT std::string HivePath(Hive hive);
 
-/// A lock over several changes, for those who ask for it alone: while the descriptor is open,
-/// others wait for it up to ten seconds. It keeps nobody from a single change. Nothing if it can't
-/// be had.
-COM_EXPORT FileDescriptor LockHive(Hive hive);
+/// Makes one change of all that the calling thread changes in the hive from here to EndHiveChanges.
+/// Until then this thread alone sees it, and others who want to change the hive wait. Nothing is
+/// begun on failure: the errors of LoadHive and ChangeHive, and ERROR_BUSY for a thread that is at
+/// it already.
+COM_EXPORT DWORD BeginHiveChanges(Hive hive);
+
+/// Puts the thread's changes into the file: all of them or, with the error that is returned, none.
+/// Nothing was begun: 0.
+COM_EXPORT DWORD EndHiveChanges();
 
 /// The hive as the file holds it now. A missing file is an empty hive. ERROR_BADDB for a file that
 /// can't be understood, ERROR_ACCESS_DENIED or ERROR_CANTREAD for one that can't be read.

@@ -147,10 +147,10 @@ TEST_F(ExportsTest, EachFailingRegistryCallEndsRegistration) {
       registry.FailCall(0, 0);
       ASSERT_EQ(DllRegisterServer(), S_OK);
       runtime.calls.clear();
-      registry.FailCall(++failing, ERROR_ACCESS_DENIED);
+      registry.FailCall(++failing, ERROR_DISK_FULL);
       result = run();
       if (SUCCEEDED(result)) break;
-      EXPECT_EQ(result, E_ACCESSDENIED) << failing;
+      EXPECT_EQ(result, HRESULT_FROM_WIN32(ERROR_DISK_FULL)) << failing;
       EXPECT_EQ(registry.Calls(), failing) << "a step behind the failed one";
       EXPECT_THAT(runtime.calls, Not(Contains("NdrDllRegisterProxy"))) << failing;
       EXPECT_THAT(runtime.calls, Contains("SetThreadLocale 1031")) << failing;
@@ -231,11 +231,37 @@ TEST_F(ExportsTest, PerUserRegistrationIsNeverTurnedOffAgain) {
 
 TEST_F(ExportsTest, OthersWaitWhileItRegisters) {
   EXPECT_EQ(DllRegisterServer(), S_OK);
-  EXPECT_EQ(runtime.locked, "machine and unlocked");
-  runtime.locked.clear();
+  EXPECT_EQ(runtime.locked,
+            "machine: GetThreadLocale, SetThreadLocale 2048, RegisterTypeLib, "
+            "SetThreadLocale 1031, NdrDllRegisterProxy, unlocked");
+  EXPECT_EQ(DllUnregisterServer(), S_OK);
+  EXPECT_EQ(runtime.locked,
+            "machine: GetThreadLocale, SetThreadLocale 2048, UnRegisterTypeLib, "
+            "SetThreadLocale 1031, NdrDllRegisterProxy, NdrDllUnregisterProxy, unlocked");
   registry.FailCall(1, ERROR_ACCESS_DENIED);
   EXPECT_EQ(DllInstall(FALSE, OLESTR("user")), E_ACCESSDENIED);
-  EXPECT_EQ(runtime.locked, "user and unlocked");
+  EXPECT_EQ(runtime.locked,
+            "user: GetThreadLocale, SetThreadLocale 2048, SetThreadLocale 1031, unlocked");
+}
+
+// Else another process's registration could come between a failed one and its taking back, and be
+// taken back with it.
+TEST_F(ExportsTest, OthersWaitWhileAFailedInstallIsTakenBack) {
+  runtime.results["RegisterTypeLib"] = E_ACCESSDENIED;
+  EXPECT_EQ(DllInstall(TRUE, nullptr), E_ACCESSDENIED);
+  EXPECT_EQ(runtime.locked,
+            "machine: GetThreadLocale, SetThreadLocale 2048, RegisterTypeLib, "
+            "SetThreadLocale 1031, GetThreadLocale, SetThreadLocale 2048, UnRegisterTypeLib, "
+            "SetThreadLocale 1031, NdrDllRegisterProxy, NdrDllUnregisterProxy, unlocked");
+}
+
+TEST_F(ExportsTest, WhatCouldNotBeKeptIsAFailureOfItsOwn) {
+  runtime.results["UnlockRegistration"] = E_ABORT;
+  EXPECT_EQ(DllRegisterServer(), E_ABORT);
+  EXPECT_EQ(DllUnregisterServer(), E_ABORT);
+  EXPECT_EQ(DllInstall(TRUE, nullptr), E_ABORT);
+  runtime.results["RegisterTypeLib"] = E_ACCESSDENIED;
+  EXPECT_EQ(DllRegisterServer(), E_ACCESSDENIED) << "the first failure";
 }
 
 TEST_F(ExportsTest, WithoutTheForUserFunctionsTheTypeLibraryIsTheMachines) {

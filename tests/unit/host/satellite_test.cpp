@@ -162,6 +162,9 @@ TEST_F(SatelliteTest, AModuleTooDeepForTheBufferHasNoSatellite) {
   modules.modules[GetModuleInstance()] = folder + OLESTR("ABCDEFG.dll");
   modules.files = {folder + Home(OLESTR("de/ABCDEFG.res.dll"))};
   EXPECT_EQ(Find(), OLESTR("none"));
+  const std::string folderText = Home(std::string("C:/") + std::string(250, 'a') + "/");
+  EXPECT_EQ(modules.calls.back(), "exists " + folderText + Home(std::string("de/ABCDE.res.dll")))
+      << "what fits of the path is taken for the path";
 }
 
 TEST_F(SatelliteTest, TheProcessHasOneSearch) {
@@ -236,15 +239,14 @@ TEST_F(SatelliteTest, TheListIsWalkedUnderItsLock) {
     BOOL PathFileExistsW(LPCWSTR path) override {
       if (probing) {
         // Held by this thread, it keeps another one from changing the list.
-        std::atomic<bool> entered{false};
-        std::thread other([&entered] {
+        m_entered = false;
+        m_others.emplace_back([this] {
           AfxLockGlobals(CRIT_DYNLINKLIST);
-          entered = true;
+          m_entered = true;
           AfxUnlockGlobals(CRIT_DYNLINKLIST);
         });
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        locked = !entered;
-        m_others.push_back(std::move(other));
+        locked = !m_entered;
       }
       return ScriptedModules::PathFileExistsW(path);
     }
@@ -253,6 +255,8 @@ TEST_F(SatelliteTest, TheListIsWalkedUnderItsLock) {
     }
 
    private:
+    // Outlives the call: the other thread goes on when the lock is free again.
+    std::atomic<bool> m_entered{false};
     std::vector<std::thread> m_others;
   };
   AFX_MANAGE_STATE(AfxGetStaticModuleState());

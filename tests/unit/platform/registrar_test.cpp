@@ -245,16 +245,37 @@ TEST_F(RegistrarTest, EachFailingCallEndsTheScript) {
     while (FAILED(result)) {
       registry.FailCall(0, 0);
       ASSERT_EQ(registrar.StringRegister(script), S_OK);
-      registry.FailCall(++failing, ERROR_ACCESS_DENIED);
+      registry.FailCall(++failing, ERROR_DISK_FULL);
       result = doRegister ? registrar.StringRegister(script) : registrar.StringUnregister(script);
       if (FAILED(result)) {
-        EXPECT_EQ(result, E_ACCESSDENIED) << failing;
+        EXPECT_EQ(result, HRESULT_FROM_WIN32(ERROR_DISK_FULL)) << failing;
         EXPECT_EQ(registry.Calls(), failing) << "a call behind the failed one";
       }
       EXPECT_EQ(registry.OpenKeys(), 0) << failing;
     }
     EXPECT_GT(failing, 5);
   }
+}
+
+// Of a key with subkeys the system says the same as of one that may not be deleted.
+TEST_F(RegistrarTest, AKeyThatMayNotBeDeletedIsAFailureUnlessItHasSubkeys) {
+  CRegObject registrar;
+  bool refused = false;
+  HRESULT result = E_FAIL;
+  for (int failing = 1; FAILED(result); ++failing) {
+    registry.FailCall(0, 0);
+    ASSERT_EQ(registrar.StringRegister(OLESTR("HKCR { A }")), S_OK);
+    registry.FailCall(failing, ERROR_ACCESS_DENIED);
+    result = registrar.StringUnregister(OLESTR("HKCR { A }"));
+    EXPECT_TRUE(result == E_ACCESSDENIED || result == S_OK) << failing;
+    refused = refused || registry.Calls() > failing;
+  }
+  EXPECT_TRUE(refused) << "the deletion was not among the failed calls";
+
+  registry.FailCall(0, 0);
+  ASSERT_EQ(registrar.StringRegister(OLESTR("HKCR { A { Other } }")), S_OK);
+  EXPECT_EQ(registrar.StringUnregister(OLESTR("HKCR { A }")), S_OK);
+  EXPECT_THAT(registry.Dump(), ElementsAre("HKCR\\A", "HKCR\\A\\Other"));
 }
 
 TEST_F(RegistrarTest, UserScriptsGoBelowSoftwareClasses) {

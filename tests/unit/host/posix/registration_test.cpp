@@ -319,6 +319,29 @@ TEST_F(PosixRegistrationTest, TheMachinesUnregistrationLeavesTheUsersFileAlone) 
   EXPECT_EQ(File("machine.reg").find("CurVer"), std::string::npos);
 }
 
+// The user's keys show below HKEY_CLASSES_ROOT too, and must not look like what keeps the
+// machine's.
+TEST_F(PosixRegistrationTest, TheMachinesKeysGoWhereTheUserHasTheSame) {
+  ASSERT_EQ(DllRegisterServer(), S_OK);
+  ASSERT_EQ(DllUnregisterServer(), S_OK);
+  const std::string empty = File("machine.reg");
+  ASSERT_EQ(DllRegisterServer(), S_OK);
+  ASSERT_EQ(DllInstall(TRUE, u"user"), S_OK);
+  AtlSetPerUserRegistration(false);
+  EXPECT_EQ(DllUnregisterServer(), S_OK);
+  EXPECT_EQ(File("machine.reg"), empty);
+  EXPECT_EQ(File("user.reg"), Expected("HKEY_CURRENT_USER"));
+}
+
+TEST_F(PosixRegistrationTest, ARegistrationIsOneChange) {
+  const std::filesystem::path file = m_folder / "machine.reg";
+  ASSERT_EQ(DllRegisterServer(), S_OK);
+  const std::string before = ReadFile(file);
+  std::filesystem::create_directory(m_folder / "machine.reg.new");
+  EXPECT_EQ(DllUnregisterServer(), HRESULT_FROM_WIN32(ERROR_CANTWRITE));
+  EXPECT_EQ(ReadFile(file), before);
+}
+
 TEST_F(PosixRegistrationTest, ALibraryThatIsNotRegisteredCannotBeUnregistered) {
   EXPECT_EQ(DllUnregisterServer(), MakeResult(0x8002801C));  // TYPE_E_REGISTRYACCESS
 }

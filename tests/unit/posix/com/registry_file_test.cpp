@@ -4,12 +4,17 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <chrono>
+#include <csignal>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <thread>
 
 #include "platform/posix/com/registry.h"
+#include "platform/posix/com/registry_file.h"
 #include "platform/posix/com/registry_text.h"
 #include "tests/support/registry_scope.h"
 
@@ -218,6 +223,95 @@ TEST_F(RegistryFileTest, WritersOfTwoProcessesLoseNothing) {
       EXPECT_EQ(Open(HKEY_CURRENT_USER, name.c_str()), 0);
     }
   }
+}
+
+TEST_F(RegistryFileTest, GatheredChangesShowAtOnce) {
+  ASSERT_EQ(Create(HKEY_CURRENT_USER, u"Old"), 0);
+  const std::filesystem::path file = m_scope.Folder() / "user.reg";
+  const std::string before = ReadFile(file);
+  ASSERT_EQ(BeginHiveChanges(Hive::kUser), ERROR_SUCCESS);
+  EXPECT_EQ(Create(HKEY_CURRENT_USER, u"New"), 0);
+  EXPECT_EQ(RegDeleteTreeW(HKEY_CURRENT_USER, u"Old"), 0);
+  EXPECT_EQ(Create(HKEY_CURRENT_USER, u"not\nvalid"), LONG{ERROR_INVALID_PARAMETER});
+  EXPECT_EQ(Create(HKEY_LOCAL_MACHINE, u"Other"), 0) << "the other file is written as ever";
+  EXPECT_EQ(Open(HKEY_CURRENT_USER, u"New"), 0);
+  EXPECT_EQ(Open(HKEY_CURRENT_USER, u"Old"), LONG{ERROR_FILE_NOT_FOUND});
+  EXPECT_EQ(ReadFile(file), before);
+  LONG others = 0;
+  std::thread([&others] { others = Open(HKEY_CURRENT_USER, u"New"); }).join();
+  EXPECT_EQ(others, LONG{ERROR_FILE_NOT_FOUND});
+  EXPECT_EQ(EndHiveChanges(), ERROR_SUCCESS);
+  EXPECT_EQ(ReadFile(file),
+            std::string(kHead) + "\n[HKEY_CURRENT_USER]\n\n[HKEY_CURRENT_USER\\New]\n");
+}
+
+TEST_F(RegistryFileTest, OthersWaitForGatheredChanges) {
+  ASSERT_EQ(BeginHiveChanges(Hive::kUser), ERROR_SUCCESS);
+  ASSERT_EQ(Create(HKEY_CURRENT_USER, u"Mine"), 0);
+  std::atomic<bool> done{false};
+  LONG error = 1;
+  std::thread other([&] {
+    error = Create(HKEY_CURRENT_USER, u"Theirs");
+    done = true;
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  EXPECT_FALSE(done);
+  EXPECT_EQ(EndHiveChanges(), ERROR_SUCCESS);
+  other.join();
+  EXPECT_EQ(error, 0);
+  EXPECT_EQ(Open(HKEY_CURRENT_USER, u"Mine"), 0);
+  EXPECT_EQ(Open(HKEY_CURRENT_USER, u"Theirs"), 0);
+}
+
+TEST_F(RegistryFileTest, ChangesAreGatheredOnceAtATime) {
+  EXPECT_EQ(EndHiveChanges(), ERROR_SUCCESS) << "nothing was begun";
+  ASSERT_EQ(BeginHiveChanges(Hive::kUser), ERROR_SUCCESS);
+  EXPECT_EQ(BeginHiveChanges(Hive::kUser), ERROR_BUSY);
+  EXPECT_EQ(BeginHiveChanges(Hive::kMachine), ERROR_BUSY);
+  EXPECT_EQ(EndHiveChanges(), ERROR_SUCCESS);
+  EXPECT_FALSE(std::filesystem::exists(m_scope.Folder() / "user.reg")) << "nothing was changed";
+}
+
+TEST_F(RegistryFileTest, GatheredChangesOfABrokenFileAreNotBegun) {
+  WriteFile(m_scope.Folder() / "user.reg", "broken");
+  EXPECT_EQ(BeginHiveChanges(Hive::kUser), ERROR_BADDB);
+  EXPECT_EQ(EndHiveChanges(), ERROR_SUCCESS);
+  EXPECT_EQ(ReadFile(m_scope.Folder() / "user.reg"), "broken");
+}
+
+TEST_F(RegistryFileTest, GatheredChangesThatCannotBeWrittenAreLostTogether) {
+  ASSERT_EQ(Create(HKEY_CURRENT_USER, u"Kept"), 0);
+  const std::string before = ReadFile(m_scope.Folder() / "user.reg");
+  ASSERT_EQ(BeginHiveChanges(Hive::kUser), ERROR_SUCCESS);
+  EXPECT_EQ(Create(HKEY_CURRENT_USER, u"Lost"), 0);
+  std::filesystem::create_directory(m_scope.Folder() / "user.reg.new");
+  EXPECT_NE(EndHiveChanges(), ERROR_SUCCESS);
+  EXPECT_EQ(ReadFile(m_scope.Folder() / "user.reg"), before);
+  EXPECT_EQ(Open(HKEY_CURRENT_USER, u"Lost"), LONG{ERROR_FILE_NOT_FOUND});
+}
+
+TEST_F(RegistryFileTest, AWriterThatIsKilledLeavesTheFileAndNoLock) {
+  ASSERT_EQ(Create(HKEY_CURRENT_USER, u"Kept"), 0);
+  const std::string before = ReadFile(m_scope.Folder() / "user.reg");
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    if (BeginHiveChanges(Hive::kUser) != ERROR_SUCCESS) _exit(1);
+    if (Create(HKEY_CURRENT_USER, u"Lost") != 0) _exit(2);
+    // As if it were killed while it writes the new file.
+    WriteFile(m_scope.Folder() / "user.reg.new", before.substr(0, 20));
+    raise(SIGKILL);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  ASSERT_TRUE(WIFSIGNALED(status)) << status;
+  EXPECT_EQ(ReadFile(m_scope.Folder() / "user.reg"), before);
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(Create(HKEY_CURRENT_USER, u"Next"), 0);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+  EXPECT_EQ(Open(HKEY_CURRENT_USER, u"Kept"), 0);
+  EXPECT_EQ(Open(HKEY_CURRENT_USER, u"Lost"), LONG{ERROR_FILE_NOT_FOUND});
+  EXPECT_FALSE(std::filesystem::exists(m_scope.Folder() / "user.reg.new"));
 }
 
 TEST_F(RegistryFileTest, AFailedWriteLeavesTheFileAsItWas) {

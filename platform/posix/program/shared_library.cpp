@@ -18,7 +18,7 @@ std::string ComponentLibraryPath() {
 }
 
 void* LoadSharedLibrary(const std::string& path, std::string& problem) {
-  void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  void* library = dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
   if (library == nullptr) problem = dlerror();
   return library;
 }

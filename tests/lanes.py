@@ -271,6 +271,12 @@ def lane_unit(lane):
         lane.googletest("unit", [ASAN / "bin/velandoc_tests"], env=environment, timeout=900)
 
 
+def lane_threads(lane):
+    """What objects allow to other threads on Linux, with ThreadSanitizer."""
+    lane.build("tsan", "velandoc_thread_tests")
+    lane.googletest("threads", [BUILD / "tsan/bin/velandoc_thread_tests"], timeout=300)
+
+
 def lane_wine(lane):
     """The same unit tests and wire cases, built for Windows, under Wine."""
     wine_prefix(lane)
@@ -415,6 +421,7 @@ LANES = {
     "style": lane_style,
     "standin": lane_standin,
     "unit": lane_unit,
+    "threads": lane_threads,
     "cli": lane_cli,
     "wine": lane_wine,
     "registration": lane_registration,

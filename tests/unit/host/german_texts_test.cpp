@@ -97,6 +97,7 @@ TEST_F(GermanTextsTest, TheStringTableIsTheSatellites) {
 TEST_F(GermanTextsTest, TheScriptsAreAlwaysTheLibrarysOwn) {
   const auto form = FindModuleResource(OLESTR("JAVASCRIPT"), 1);
   const auto registry = FindModuleResource(OLESTR("REGISTRY"), 103);
+  ASSERT_TRUE(form);
   ASSERT_TRUE(registry);
   CVelandocApp app(search);
   ASSERT_EQ(app.InitInstance(), TRUE);

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "host/velandoc_app.h"
 #include "platform/atl/base_module.h"
@@ -74,10 +76,15 @@ TEST(ModuleStateTest, LocksOfTheApplicationKeepItsModule) {
 /// An application that finds a satellite.
 class TranslatedApp final : public CVelandocApp {
  public:
-  explicit TranslatedApp(HINSTANCE satellite) : m_satellite(satellite) {}
-  HINSTANCE LoadAppLangResourceDLL() override { return m_satellite; }
+  TranslatedApp(HINSTANCE satellite, std::vector<std::string>& steps)
+      : m_steps(steps), m_satellite(satellite) {}
+  HINSTANCE LoadAppLangResourceDLL() override {
+    m_steps.push_back("LoadAppLangResourceDLL");
+    return m_satellite;
+  }
 
  private:
+  std::vector<std::string>& m_steps;
   HINSTANCE m_satellite;
 };
 
@@ -105,8 +112,9 @@ TEST_F(VelandocAppTest, ASatelliteIsTheResourceInstanceOfBoth) {
   ScriptedModules modules;
   const PortScope<ModuleServices> modulesScope(modules);
   const HINSTANCE satellite = reinterpret_cast<HINSTANCE>(this);
-  TranslatedApp app(satellite);
+  TranslatedApp app(satellite, runtime.calls);
   EXPECT_EQ(app.InitInstance(), TRUE);
+  EXPECT_EQ(runtime.calls, (std::vector<std::string>{"SetProxyModule", "LoadAppLangResourceDLL"}));
   EXPECT_EQ(app.m_hLangResourceDLL, satellite);
   EXPECT_EQ(AtlBaseModule().GetResourceInstance(), satellite);
   EXPECT_EQ(AtlBaseModule().GetModuleInstance(), GetModuleInstance());

@@ -3,9 +3,7 @@
 #include "platform/server_runtime.h"
 
 #include <array>
-#include <memory>
 #include <new>
-#include <utility>
 #include <vector>
 
 #include "platform/owners.h"

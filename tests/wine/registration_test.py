@@ -10,9 +10,11 @@ import argparse
 import os
 import pathlib
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 
 APP_ID = "{91509BD2-09D1-4F79-B147-D5EF6C90DB1C}"
 # Class name, class id, the first word of the ProgIDs.
@@ -97,6 +99,14 @@ class Prefix:
         programs = [subprocess.Popen([self.wine, *command], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                      stderr=subprocess.DEVNULL, env=self.environment) for command in commands]
         return [program.wait(timeout=120) for program in programs]
+
+    def run_and_kill(self, seconds: float, *command: str) -> bool:
+        """Whether the program was still running when it was killed."""
+        program = subprocess.Popen([self.wine, *command], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                   stderr=subprocess.DEVNULL, env=self.environment)
+        time.sleep(seconds)
+        program.kill()
+        return program.wait(timeout=60) == -signal.SIGKILL
 
     def registry(self) -> dict[str, dict[str, str]]:
         """Every key with its values; keys in lower case, since the registry does not tell cases apart."""
@@ -233,6 +243,10 @@ def run(prefix: Prefix, dll: pathlib.Path, checks: Checks) -> None:
     user = r"hkey_current_user\software\classes"
     path = "Z:" + str(dll).replace("/", "\\")
 
+    def but_empty(keys: dict) -> dict:
+        """Without the empty keys above the user's classes, which come into being on the way and stay."""
+        return {key: values for key, values in keys.items() if key not in (user, user + r"\appid", user + r"\clsid")}
+
     script = prefix.folder / "check.js"
     script.write_text(SCRIPT.replace("\n", "\r\n"))
     cscript = ("cscript", "/nologo", "Z:" + str(script).replace("/", "\\"))
@@ -265,17 +279,12 @@ def run(prefix: Prefix, dll: pathlib.Path, checks: Checks) -> None:
         before = prefix.registry()
         checks.equal(f"regsvr32 /n /i:{word} succeeds",
                      prefix.run("regsvr32", "/s", "/n", f"/i:{word}", path)[0], 0)
-        written = difference(before, prefix.registry())
-        # The empty keys above the classes come into being on the way.
-        written = {key: values for key, values in written.items()
-                   if key not in (user, user + r"\appid", user + r"\clsid")}
-        checks.equal(f"/i:{word} writes the classes for the user alone", written,
+        checks.equal(f"/i:{word} writes the classes for the user alone",
+                     but_empty(difference(before, prefix.registry())),
                      script_keys(user, path) | system_keys(machine, path))
         checks.equal(f"regsvr32 /u /n /i:{word} succeeds",
                      prefix.run("regsvr32", "/s", "/u", "/n", f"/i:{word}", path)[0], 0)
-        left = {key: values for key, values in leftovers(before, prefix.registry()).items()
-                if key not in (user, user + r"\appid", user + r"\clsid")}
-        checks.equal(f"/u /n /i:{word} takes them out", left, {})
+        checks.equal(f"/u /n /i:{word} takes them out", but_empty(leftovers(before, prefix.registry())), {})
 
     before = prefix.registry()
     prefix.run("regsvr32", "/s", "/n", "/i:username", path)
@@ -292,16 +301,25 @@ def run(prefix: Prefix, dll: pathlib.Path, checks: Checks) -> None:
         checks.equal(f"they are unregistered ({number})", prefix.run(*unregister)[0], 0)
     checks.equal("one registers for the machine while one does for the user",
                  prefix.run_at_once(register, ("regsvr32", "/s", "/n", "/i:user", path)), [0, 0])
-    written = {key: values for key, values in difference(before, prefix.registry()).items()
-               if key not in (user, user + r"\appid", user + r"\clsid")}
-    checks.equal("they leave both their keys", written,
+    checks.equal("they leave both their keys", but_empty(difference(before, prefix.registry())),
                  script_keys(machine, path) | script_keys(user, path) | system_keys(machine, path))
     prefix.run("regsvr32", "/s", "/u", "/n", "/i:user", path)
     prefix.run(*register)
     checks.equal("the last registration is taken out again", prefix.run(*unregister)[0], 0)
-    left = {key: values for key, values in leftovers(before, prefix.registry()).items()
-            if key not in (user, user + r"\appid", user + r"\clsid")}
-    checks.equal("nothing of them stays", left, {})
+    checks.equal("nothing of them stays", but_empty(leftovers(before, prefix.registry())), {})
+
+    started = time.monotonic()
+    prefix.run(*register)
+    whole = time.monotonic() - started
+    # Some of them hold the lock when they end.
+    killed = sum(prefix.run_and_kill(whole * number / 12, *register) for number in range(12))
+    checks.equal("registrations are killed on the way", killed > 5, True)
+    started = time.monotonic()
+    checks.equal("the next one succeeds", prefix.run(*register)[0], 0)
+    checks.equal("it does not wait for them", time.monotonic() - started < 20, True)
+    checks.equal("it makes the registry whole", but_empty(difference(before, prefix.registry())),
+                 script_keys(machine, path) | system_keys(machine, path))
+    checks.equal("and is taken out again", prefix.run(*unregister)[0], 0)
 
 
 def main() -> int:

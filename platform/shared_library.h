@@ -6,8 +6,8 @@
 namespace velandoc {
 
 /// Full path in UTF-8 of the component's library that belongs to this program: velandoc.dll beside
-/// the program on Windows; on Linux libvelandoc.so where CoGetClassObject looks for it and, if there
-/// is none, in ../lib of the program's folder, where one could be put.
+/// the program on Windows; on Linux libvelandoc.so where CoGetClassObject looks for it and, if
+/// there is none, in ../lib of the program's folder, where one could be put.
 std::string ComponentLibraryPath();
 
 /// Null on failure, with the system's words for it in `problem`. There is no unloading: a library

@@ -159,7 +159,9 @@ def zip_work(prefix, packages, checks):
     names = files_below(folder)
     checks.equal("the zip holds the files, the samples and the symbols",
                  {name for name in names if "/" not in name},
-                 FILES | {"README.txt", "velandoc.dll.debug", "velandoc.exe.debug"})
+                 FILES | {"README.md", "velandoc.dll.debug", "velandoc.exe.debug"})
+    checks.equal("and the pages", {path.name for path in (folder / "docs").glob("*.md")},
+                 {path.name for path in (TOP / "docs").glob("*.md")})
     for program in ("velandoc.dll", "velandoc.exe"):
         headers = subprocess.run(["x86_64-w64-mingw32-objdump", "-h", folder / program], capture_output=True, text=True,
                                  check=True).stdout

@@ -31,4 +31,17 @@ bool IsToken(std::string_view text) {
   });
 }
 
+HINTERNET OpenConnect(HINTERNET sessionHandle, LPCWSTR serverName, INTERNET_PORT port) {
+  return MakeHandle([&]() -> HINTERNET {
+    auto session = HandleTable::Get<Session>(sessionHandle);
+    if (session == nullptr) return nullptr;
+    if (serverName == nullptr || *serverName == u'\0') return NoHandle(ERROR_INVALID_PARAMETER);
+    auto connect = std::make_shared<Connect>();
+    connect->session = std::move(session);
+    connect->host = Utf8(serverName);
+    connect->port = port;
+    return HandleTable::Open(std::move(connect), sessionHandle);
+  });
+}
+
 }  // namespace velandoc::http

@@ -55,4 +55,27 @@ std::string VerbText(LPCWSTR verb);
 /// Whether a verb is one word that can stand in a request line.
 bool IsToken(std::string_view text);
 
+/// A connect handle of the session. ERROR_INVALID_PARAMETER for null and for an empty name.
+HINTERNET OpenConnect(HINTERNET sessionHandle, LPCWSTR serverName, INTERNET_PORT port);
+
+/// A request handle of this kind. ERROR_INVALID_PARAMETER for a verb that is no single word.
+template <class Request>
+HINTERNET OpenRequest(HINTERNET connectHandle, LPCWSTR verb, LPCWSTR objectName, LPCWSTR version,
+                      LPCWSTR referrer, const LPCWSTR* acceptTypes, DWORD flags) {
+  return MakeHandle([&]() -> HINTERNET {
+    auto connect = HandleTable::Get<Connect>(connectHandle);
+    if (connect == nullptr) return nullptr;
+    std::string verbText = VerbText(verb);
+    // Always HTTP/1.1, and never a referrer.
+    if (version != nullptr || referrer != nullptr || !IsToken(verbText)) {
+      return NoHandle(ERROR_INVALID_PARAMETER);
+    }
+    return HandleTable::Open(
+        std::make_shared<Request>(std::move(connect), std::move(verbText),
+                                  objectName != nullptr ? WideView(objectName) : WideView(),
+                                  AcceptHeader(acceptTypes), flags),
+        connectHandle);
+  });
+}
+
 }  // namespace velandoc::http

@@ -46,35 +46,14 @@ class CurlWinHttp final : public WinHttp {
 
   HINTERNET WinHttpConnect(HINTERNET sessionHandle, LPCWSTR serverName, INTERNET_PORT port,
                            DWORD) override {
-    return MakeHandle([&]() -> HINTERNET {
-      const auto session = HandleTable::Get<Session>(sessionHandle);
-      if (session == nullptr) return nullptr;
-      if (serverName == nullptr || *serverName == u'\0') return NoHandle(ERROR_INVALID_PARAMETER);
-      auto connect = std::make_shared<Connect>();
-      connect->session = session;
-      connect->host = Utf8(serverName);
-      connect->port = port;
-      return HandleTable::Open(std::move(connect), sessionHandle);
-    });
+    return OpenConnect(sessionHandle, serverName, port);
   }
 
   HINTERNET WinHttpOpenRequest(HINTERNET connectHandle, LPCWSTR verb, LPCWSTR objectName,
                                LPCWSTR version, LPCWSTR referrer, LPCWSTR* acceptTypes,
                                DWORD flags) override {
-    return MakeHandle([&]() -> HINTERNET {
-      auto connect = HandleTable::Get<Connect>(connectHandle);
-      if (connect == nullptr) return nullptr;
-      std::string verbText = VerbText(verb);
-      // Always HTTP/1.1, and never a referrer.
-      if (version != nullptr || referrer != nullptr || !IsToken(verbText)) {
-        return NoHandle(ERROR_INVALID_PARAMETER);
-      }
-      return HandleTable::Open(
-          std::make_shared<Request>(std::move(connect), std::move(verbText),
-                                    objectName != nullptr ? WideView(objectName) : WideView(),
-                                    AcceptHeader(acceptTypes), flags),
-          connectHandle);
-    });
+    return OpenRequest<Request>(connectHandle, verb, objectName, version, referrer, acceptTypes,
+                                flags);
   }
 
   BOOL WinHttpSetOption(HINTERNET handle, DWORD option, LPVOID buffer, DWORD size) override {

@@ -3,8 +3,8 @@
 #include "platform/owners.h"
 #include "platform/posix/msxml/attribute_set.h"
 #include "platform/posix/msxml/child_cursor.h"
-#include "platform/posix/msxml/companion.h"
 #include "platform/posix/msxml/guard.h"
+#include "platform/posix/msxml/sequence.h"
 
 namespace velandoc::dom {
 namespace {
@@ -15,7 +15,7 @@ struct Attributes {
   xmlNode* Next(xmlNode* attribute) const { return NextAttribute(element, attribute); }
 };
 
-class NamedNodeMap final : public Companion<IXMLDOMNamedNodeMap, IID_IXMLDOMNamedNodeMap> {
+class NamedNodeMap final : public Sequence<IXMLDOMNamedNodeMap, IID_IXMLDOMNamedNodeMap> {
  public:
   NamedNodeMap(Tree& tree, xmlNode* element, IXMLDOMNode* object)
       : m_use(tree), m_object(object), m_element(element), m_cursor(tree, {element}) {}
@@ -49,19 +49,6 @@ class NamedNodeMap final : public Companion<IXMLDOMNamedNodeMap, IID_IXMLDOMName
   }
   HRESULT STDMETHODCALLTYPE get_length(LONG* length) override {
     return Give(length, m_cursor.Length());
-  }
-  HRESULT STDMETHODCALLTYPE nextNode(IXMLDOMNode** item) override {
-    const HRESULT result = get_item(m_next, item);
-    if (result == S_OK) ++m_next;
-    return result;
-  }
-  HRESULT STDMETHODCALLTYPE reset() override {
-    m_next = 0;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE get__newEnum(IUnknown** enumerator) override {
-    if (enumerator != nullptr) *enumerator = nullptr;
-    return E_NOTIMPL;
   }
 
  private:
@@ -97,7 +84,6 @@ class NamedNodeMap final : public Companion<IXMLDOMNamedNodeMap, IID_IXMLDOMName
   ComPtr<IXMLDOMNode> m_object;
   xmlNode* m_element;
   ChildCursor<Attributes> m_cursor;
-  LONG m_next = 0;
 };
 
 }  // namespace

@@ -2,9 +2,9 @@
 
 #include "platform/owners.h"
 #include "platform/posix/msxml/child_cursor.h"
-#include "platform/posix/msxml/companion.h"
 #include "platform/posix/msxml/guard.h"
 #include "platform/posix/msxml/node_name.h"
+#include "platform/posix/msxml/sequence.h"
 
 namespace velandoc::dom {
 namespace {
@@ -16,26 +16,13 @@ struct Children {
 };
 
 /// The parts of a list that do not depend on where its items come from.
-class NodeList : public Companion<IXMLDOMNodeList, IID_IXMLDOMNodeList> {
+class NodeList : public Sequence<IXMLDOMNodeList, IID_IXMLDOMNodeList> {
  public:
   HRESULT STDMETHODCALLTYPE get_item(LONG index, IXMLDOMNode** item) override {
     if (item == nullptr) return E_INVALIDARG;
     return GiveNode(m_use.Get(), Item(index), item);
   }
   HRESULT STDMETHODCALLTYPE get_length(LONG* length) override { return Give(length, Length()); }
-  HRESULT STDMETHODCALLTYPE nextNode(IXMLDOMNode** item) override {
-    const HRESULT result = get_item(m_next, item);
-    if (result == S_OK) ++m_next;
-    return result;
-  }
-  HRESULT STDMETHODCALLTYPE reset() override {
-    m_next = 0;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE get__newEnum(IUnknown** enumerator) override {
-    if (enumerator != nullptr) *enumerator = nullptr;
-    return E_NOTIMPL;
-  }
 
  protected:
   explicit NodeList(Tree& tree) : m_use(tree) {}
@@ -43,9 +30,6 @@ class NodeList : public Companion<IXMLDOMNodeList, IID_IXMLDOMNodeList> {
   virtual LONG Length() = 0;
 
   TreeUse m_use;
-
- private:
-  LONG m_next = 0;
 };
 
 class ChildList final : public NodeList {

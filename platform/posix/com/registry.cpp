@@ -89,7 +89,9 @@ struct View {
   bool Exists() const { return keys[0] != nullptr || keys[1] != nullptr; }
 };
 
-DWORD LoadView(const HKEY__& place, View& view) {
+/// What the hives hold of a key, which need not be there.
+DWORD LoadView(HKEY handle, LPCWSTR subKey, HKEY__& place, View& view) {
+  if (!Resolve(handle, subKey, place)) return ERROR_INVALID_HANDLE;
   constexpr Hive kOrder[] = {Hive::kUser, Hive::kMachine};
   const WideString path = place.HivePath();
   for (int i = 0; i < 2; ++i) {
@@ -138,7 +140,9 @@ const typename Map::mapped_type* EntryOfUnion(const Map* first, const Map* secon
 /// A change of one key, which must be there; under HKEY_CLASSES_ROOT a key that only the user has
 /// is made.
 template <class Change>
-DWORD ChangeKey(const HKEY__& place, const Change& change) {
+DWORD ChangeKey(HKEY handle, const Change& change) {
+  HKEY__ place{};
+  if (!Resolve(handle, nullptr, place)) return ERROR_INVALID_HANDLE;
   return ChangeHive(place.WrittenHive(), [&](RegistryKey& hive) -> DWORD {
     RegistryKey* key = FindKey(hive, place.HivePath());
     if (key == nullptr && (place.root == Root::kClasses || place.IsRoot())) {
@@ -205,9 +209,9 @@ STDAPI_(LONG) RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD, REGSAM, HKEY* resul
   return Guard([&]() -> DWORD {
     if (result == nullptr) return ERROR_INVALID_PARAMETER;
     HKEY__ place{};
-    if (!Resolve(key, subKey, place)) return ERROR_INVALID_HANDLE;
     View view;
-    if (const DWORD error = LoadView(place, view); error != ERROR_SUCCESS) return error;
+    if (const DWORD error = LoadView(key, subKey, place, view); error != ERROR_SUCCESS)
+      return error;
     if (!view.Exists() && !place.IsRoot()) return ERROR_FILE_NOT_FOUND;
     Open(std::move(place), result);
     return ERROR_SUCCESS;
@@ -234,9 +238,7 @@ RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* d
         !velandoc::IsValidName(valueName, velandoc::kMaxValueName)) {
       return ERROR_INVALID_PARAMETER;
     }
-    HKEY__ place{};
-    if (!Resolve(key, nullptr, place)) return ERROR_INVALID_HANDLE;
-    return ChangeKey(place, [&](RegistryKey& changed) -> DWORD {
+    return ChangeKey(key, [&](RegistryKey& changed) -> DWORD {
       RegistryValue& value = changed.values[FoldCase(valueName)];
       if (value.name.empty()) value.name = valueName;
       value.type = type;
@@ -251,9 +253,9 @@ RegQueryValueExW(HKEY key, LPCWSTR name, DWORD* reserved, DWORD* type, BYTE* dat
   return Guard([&]() -> DWORD {
     if (reserved != nullptr) return ERROR_INVALID_PARAMETER;
     HKEY__ place{};
-    if (!Resolve(key, nullptr, place)) return ERROR_INVALID_HANDLE;
     View view;
-    if (const DWORD error = LoadView(place, view); error != ERROR_SUCCESS) return error;
+    if (const DWORD error = LoadView(key, nullptr, place, view); error != ERROR_SUCCESS)
+      return error;
     if (!view.Exists() && !place.IsRoot()) return ERROR_KEY_DELETED;
     const WideString folded = FoldCase(name != nullptr ? WideView(name) : WideView());
     for (const RegistryKey* found : view.keys) {
@@ -267,9 +269,7 @@ RegQueryValueExW(HKEY key, LPCWSTR name, DWORD* reserved, DWORD* type, BYTE* dat
 
 STDAPI_(LONG) RegDeleteValueW(HKEY key, LPCWSTR name) {
   return Guard([&]() -> DWORD {
-    HKEY__ place{};
-    if (!Resolve(key, nullptr, place)) return ERROR_INVALID_HANDLE;
-    return ChangeKey(place, [&](RegistryKey& changed) -> DWORD {
+    return ChangeKey(key, [&](RegistryKey& changed) -> DWORD {
       const WideString folded = FoldCase(name != nullptr ? WideView(name) : WideView());
       return changed.values.erase(folded) != 0 ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
     });
@@ -285,9 +285,7 @@ STDAPI_(LONG) RegDeleteKeyW(HKEY key, LPCWSTR subKey) {
 STDAPI_(LONG) RegDeleteTreeW(HKEY key, LPCWSTR subKey) {
   return Guard([&]() -> DWORD {
     if (subKey != nullptr && *subKey != 0) return DeleteKey(key, subKey, true);
-    HKEY__ place{};
-    if (!Resolve(key, nullptr, place)) return ERROR_INVALID_HANDLE;
-    return ChangeKey(place, [](RegistryKey& changed) -> DWORD {
+    return ChangeKey(key, [](RegistryKey& changed) -> DWORD {
       changed.keys.clear();
       changed.values.clear();
       return ERROR_SUCCESS;
@@ -301,9 +299,9 @@ RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, DWORD* nameLength, DWORD* rese
   return Guard([&]() -> DWORD {
     if (reserved != nullptr) return ERROR_INVALID_PARAMETER;
     HKEY__ place{};
-    if (!Resolve(key, nullptr, place)) return ERROR_INVALID_HANDLE;
     View view;
-    if (const DWORD error = LoadView(place, view); error != ERROR_SUCCESS) return error;
+    if (const DWORD error = LoadView(key, nullptr, place, view); error != ERROR_SUCCESS)
+      return error;
     const auto keysOf = [](const RegistryKey* k) { return k != nullptr ? &k->keys : nullptr; };
     const auto* entry = EntryOfUnion(keysOf(view.keys[0]), keysOf(view.keys[1]), index);
     if (entry == nullptr) return ERROR_NO_MORE_ITEMS;
@@ -319,9 +317,9 @@ RegEnumValueW(HKEY key, DWORD index, LPWSTR name, DWORD* nameLength, DWORD* rese
   return Guard([&]() -> DWORD {
     if (reserved != nullptr) return ERROR_INVALID_PARAMETER;
     HKEY__ place{};
-    if (!Resolve(key, nullptr, place)) return ERROR_INVALID_HANDLE;
     View view;
-    if (const DWORD error = LoadView(place, view); error != ERROR_SUCCESS) return error;
+    if (const DWORD error = LoadView(key, nullptr, place, view); error != ERROR_SUCCESS)
+      return error;
     const auto valuesOf = [](const RegistryKey* k) { return k != nullptr ? &k->values : nullptr; };
     const auto* value = EntryOfUnion(valuesOf(view.keys[0]), valuesOf(view.keys[1]), index);
     if (value == nullptr) return ERROR_NO_MORE_ITEMS;

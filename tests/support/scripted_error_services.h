@@ -2,25 +2,20 @@
 // where told. What the script says nothing of is asked of the system.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <cstring>
 #include <map>
-#include <new>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "platform/error_services.h"
 #include "platform/text.h"
-#include "tests/support/variant_text.h"
 
 namespace velandoc::testing {
 
 class ScriptedErrorServices final : public ErrorServices {
  public:
   ScriptedErrorServices() = default;
-  ~ScriptedErrorServices() override { EXPECT_EQ(m_buffers, 0) << "texts were not freed"; }
+  ~ScriptedErrorServices() override;
 
   /// What the debugger was given.
   std::vector<std::string> lines;
@@ -36,52 +31,11 @@ class ScriptedErrorServices final : public ErrorServices {
   bool lacksMemoryForLines = false;
 
   DWORD FormatMessageW(DWORD flags, LPCVOID source, DWORD code, DWORD language, LPWSTR buffer,
-                       DWORD size, va_list* arguments) override {
-    std::string module = "null";
-    for (const auto& [name, place] : modules) {
-      if (source == &place) module = name;
-    }
-    char call[100];
-    std::snprintf(call, sizeof call, "FormatMessageW(0x%x, %s, 0x%x, 0x%x)",
-                  static_cast<unsigned>(flags), module.c_str(), static_cast<unsigned>(code),
-                  static_cast<unsigned>(language));
-    calls.push_back(call);
-    EXPECT_EQ(size, 0U);
-    EXPECT_EQ(arguments, nullptr);
-    if (lacksMemoryForTexts) throw std::bad_alloc();
-    LPWSTR& allocated = *reinterpret_cast<LPWSTR*>(buffer);
-    const auto known = texts.find(code);
-    if (known == texts.end()) {
-      const DWORD length = SystemPort<ErrorServices>().FormatMessageW(flags, source, code, language,
-                                                                      buffer, size, arguments);
-      if (allocated != nullptr) ++m_buffers;
-      return length;
-    }
-    allocated = nullptr;
-    if (!known->second) return 0;
-    ++m_buffers;
-    m_own = *known->second;
-    allocated = m_own.data();
-    return static_cast<DWORD>(m_own.size());
-  }
-  void LocalFree(void* memory) override {
-    if (memory == nullptr) return;
-    --m_buffers;
-    if (memory != m_own.data()) SystemPort<ErrorServices>().LocalFree(memory);
-  }
-  HMODULE GetModuleHandleW(LPCWSTR name) override {
-    calls.push_back("GetModuleHandleW(" + DescribeText(name) + ")");
-    const auto known = modules.find(DescribeText(name));
-    if (known == modules.end()) return SystemPort<ErrorServices>().GetModuleHandleW(name);
-    return reinterpret_cast<HMODULE>(&known->second);
-  }
-  HRESULT CreateErrorInfo(ICreateErrorInfo** info) override {
-    return FAILED(createResult) ? createResult : SystemPort<ErrorServices>().CreateErrorInfo(info);
-  }
-  void OutputDebugStringW(LPCWSTR text) override {
-    if (lacksMemoryForLines) throw std::bad_alloc();
-    lines.push_back(DescribeText(text));
-  }
+                       DWORD size, va_list* arguments) override;
+  void LocalFree(void* memory) override;
+  HMODULE GetModuleHandleW(LPCWSTR name) override;
+  HRESULT CreateErrorInfo(ICreateErrorInfo** info) override;
+  void OutputDebugStringW(LPCWSTR text) override;
 
  private:
   WideString m_own;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <stdexcept>
 
 #include "hdfs/error_texts.h"
@@ -11,6 +12,7 @@
 #include "platform/mfc/module_state.h"
 #include "tests/support/scripted_error_services.h"
 #include "tests/support/thread_error.h"
+#include "tests/support/variant_text.h"
 
 namespace velandoc {
 namespace {

@@ -7,6 +7,7 @@
 #include "platform/owners.h"
 #include "tests/support/scripted_error_services.h"
 #include "tests/support/thread_error.h"
+#include "tests/support/variant_text.h"
 
 namespace velandoc {
 namespace {

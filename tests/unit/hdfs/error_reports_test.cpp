@@ -9,6 +9,7 @@
 #include "tests/support/scripted_error_services.h"
 #include "tests/support/scripted_wininet.h"
 #include "tests/support/thread_error.h"
+#include "tests/support/variant_text.h"
 
 namespace velandoc {
 namespace {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/scripted_error_services.h"
+#include "tests/support/variant_text.h"
 
 namespace velandoc {
 namespace {

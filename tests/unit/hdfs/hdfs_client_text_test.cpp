@@ -1,3 +1,4 @@
+#include "tests/support/variant_text.h"
 #include "tests/unit/hdfs/hdfs_client_fixture.h"
 
 namespace velandoc::testing {

@@ -4,7 +4,6 @@
 // before Error.
 #pragma once
 
-#include "hdfs/hdfs_client_winhttp.h"
 #include "tests/support/scripted_winhttp.h"
 #include "tests/unit/hdfs/hdfs_host_test.h"
 
@@ -14,29 +13,14 @@ inline constexpr char kUnknownError[] = "Unknown connection error with server.";
 
 class HdfsClientWinHttpTest : public HdfsHostTest {
  protected:
-  HdfsClientWinHttpTest() : HdfsHostTest(&NewClient, CLSID_HdfsClientWinHttp) {
-    m_services.texts[12029] = OLESTR("cannot connect\r\n");
-    m_services.texts[12030] = OLESTR("broke off\r\n");
-    m_services.texts[0x80004005] = OLESTR("failed\r\n");
-    m_services.texts[0x80070057] = OLESTR("bad argument\r\n");
-  }
+  HdfsClientWinHttpTest();
+  ~HdfsClientWinHttpTest() override;
 
-  static ComPtr<IHdfsClient> NewClient() {
-    ComPtr<IHdfsClient> client;
-    EXPECT_EQ(CHdfsClientWinHttp::CreateObject(nullptr, IID_IHdfsClient, client.ReceiveVoid()),
-              S_OK);
-    return client;
-  }
+  static ComPtr<IHdfsClient> NewClient();
   /// "VERB target flags" of every request that was opened.
-  std::vector<std::string> Requests() const {
-    return RequestsOf(m_platform.CallsOf("WinHttpOpenRequest"));
-  }
+  std::vector<std::string> Requests() const;
   /// The text, whose result must be S_OK.
-  std::string GetText() {
-    Bstr text;
-    EXPECT_EQ(m_client->GetText(text.Receive()), S_OK);
-    return DescribeText(text.View());
-  }
+  std::string GetText();
 
   ScriptedWinHttp m_platform;
   PortScope<WinHttp> m_platformScope{m_platform};

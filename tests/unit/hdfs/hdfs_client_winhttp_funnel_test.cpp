@@ -2,6 +2,7 @@
 #include <stdexcept>
 
 #include "platform/mfc/exceptions.h"
+#include "tests/support/thread_error.h"
 #include "tests/unit/hdfs/hdfs_client_winhttp_fixture.h"
 
 namespace velandoc::testing {

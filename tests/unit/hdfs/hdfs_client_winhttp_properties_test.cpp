@@ -1,3 +1,4 @@
+#include "tests/support/thread_error.h"
 #include "tests/unit/hdfs/hdfs_client_winhttp_fixture.h"
 
 namespace velandoc::testing {

@@ -2,6 +2,7 @@
 
 #include "tests/support/temporary_folder.h"
 #include "tests/support/text_stream.h"
+#include "tests/support/variant_text.h"
 #include "tests/unit/hdfs/hdfs_client_winhttp_fixture.h"
 
 namespace velandoc::testing {

@@ -1,4 +1,6 @@
 // What does not differ between the two HDFS clients and needs no network.
+#include "hdfs/hdfs_client.h"
+#include "hdfs/hdfs_client_winhttp.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/text_stream.h"
 #include "tests/unit/hdfs/hdfs_client_fixture.h"

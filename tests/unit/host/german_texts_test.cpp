@@ -9,6 +9,7 @@
 #include "platform/resources.h"
 #include "tests/support/fault_wininet.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/thread_error.h"
 #include "tests/unit/hdfs/hdfs_client_fixture.h"
 
 namespace velandoc {

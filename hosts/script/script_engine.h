@@ -37,8 +37,8 @@ class ScriptEngine : private ScriptHost {
 
   const ScriptSource& m_source;
   ReferenceTable m_references;
-  int m_thrownLine =
-      0;  // of the latest value thrown that is no Error, and so does not know it itself
+  // Of the latest value thrown that is no Error, and so does not know it itself.
+  int m_thrownLine = 0;
   std::unique_ptr<duk_context, HeapDestroyer> m_context;
 };
 

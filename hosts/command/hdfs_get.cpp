@@ -5,7 +5,6 @@
 #include "hosts/command/hdfs_actions.h"
 #include "hosts/command/hdfs_path.h"
 #include "hosts/command/local_path.h"
-#include "hosts/command/transfer_pool.h"
 #include "hosts/command/transfer_report.h"
 #include "hosts/command/visible_text.h"
 #include "hosts/text_encoding.h"
@@ -81,7 +80,7 @@ std::optional<HdfsFailure> Fetch(HdfsCaller& caller, const Job& job) {
   return std::nullopt;
 }
 
-/// The files below `folder`, whose local folders are made on the way. False with a failure told.
+/// The files below `folder`, whose local folders are made on the way.
 std::optional<HdfsFailure> Collect(HdfsCaller& caller, const std::string& folder,
                                    const fs::path& local, std::vector<Job>& jobs) {
   std::error_code problem;
@@ -108,28 +107,16 @@ bool HasLength(const Job& job) {
 
 int FetchAll(const HdfsRun& run, const std::vector<Job>& jobs, bool isTree) {
   const bool skips = isTree && !run.Hdfs().all;
-  std::vector<TransferResult> results(jobs.size());
-  std::uint64_t total = 0;
-  for (std::size_t i = 0; i < jobs.size(); ++i) {
-    results[i] = {jobs[i].remote, Utf8Of(jobs[i].local), jobs[i].length, TransferOutcome::kFailed,
-                  std::nullopt};
-    if (skips && HasLength(jobs[i])) {
-      results[i].outcome = TransferOutcome::kSkipped;
-    } else {
-      total += jobs[i].length;
-    }
+  std::vector<TransferResult> files;
+  files.reserve(jobs.size());
+  for (const Job& job : jobs) {
+    const bool isSkipped = skips && HasLength(job);
+    files.push_back({job.remote, Utf8Of(job.local), job.length,
+                     isSkipped ? TransferOutcome::kSkipped : TransferOutcome::kFailed,
+                     std::nullopt});
   }
-  HdfsExchangeLog::OfThread().CountInto(&run.progress.Count());
-  run.progress.Begin(total, isTree ? std::to_string(jobs.size()) + " files" : jobs[0].remote);
-  RunOnThreads(jobs.size(), run.Hdfs().jobs, [&](std::size_t i) {
-    TransferResult& result = results[i];
-    if (result.outcome != TransferOutcome::kSkipped) {
-      result.failure = Fetch(run.caller, jobs[i]);
-      if (!result.failure) result.outcome = TransferOutcome::kDone;
-    }
-    TellTransfer(run, result);
-  });
-  return FinishTransfers(run, results, isTree);
+  return TransferFiles(run, std::move(files), isTree, isTree ? std::string() : jobs[0].remote,
+                       [&](std::size_t i) { return Fetch(run.caller, jobs[i]); });
 }
 
 /// Where a file or folder named `remote` goes.

@@ -7,7 +7,6 @@
 #include "hosts/command/hdfs_path.h"
 #include "hosts/command/local_path.h"
 #include "hosts/command/spooled_input.h"
-#include "hosts/command/transfer_pool.h"
 #include "hosts/command/transfer_report.h"
 #include "hosts/command/visible_text.h"
 #include "hosts/text_encoding.h"
@@ -36,9 +35,17 @@ HdfsFailure TooLong(const std::string& local) {
                       kExitUsage);
 }
 
-/// Why a file of this name cannot be renamed into place; such a one is written in place.
+/// Whether a file of this name can be renamed into place; any other is written in place.
 bool CanBeRenamed(const HdfsOptions& options, const std::string& path) {
   return !FindRenameProblem(path, options.stack);
+}
+
+/// Deletes what was sent to `path`; a failure to do so is told with `failure`.
+void DeleteSent(const HdfsRun& run, const std::string& path, HdfsFailure& failure) {
+  bool done = false;
+  if (DeletePath(run.caller, path, false, done)) {
+    failure.what += "; what was sent may stand at '" + VisibleText(path) + "'";
+  }
 }
 
 /// Sends the file to `path`. What a failure leaves there is deleted, as far as it was begun.
@@ -66,15 +73,11 @@ std::optional<HdfsFailure> Send(const HdfsRun& run, const Job& job, const std::s
           kExitIncomplete);
     }
   }
-  if (failure && begun) {
-    bool done = false;
-    const auto left = DeletePath(run.caller, path, false, done);
-    if (left) failure->what += "; what was sent may stand at '" + VisibleText(path) + "'";
-  }
+  if (failure && begun) DeleteSent(run, path, *failure);
   return failure;
 }
 
-std::optional<HdfsFailure> Exists(const std::string& path) {
+HdfsFailure ThereAlready(const std::string& path) {
   return LocalFailure("put", path, "it is there already", kExitExists);
 }
 
@@ -104,8 +107,8 @@ std::optional<HdfsFailure> MoveIntoPlace(const HdfsRun& run, const Job& job,
   if (!failure) {
     FileStatus status;
     const bool taken = !AskStatus(run.caller, job.remote, status);
-    failure =
-        taken ? Exists(job.remote) : LocalFailure("RENAME", part, "the server says no", kExitNo);
+    failure = taken ? ThereAlready(job.remote)
+                    : LocalFailure("RENAME", part, "the server says no", kExitNo);
   }
   if (left) failure->what += "; what was sent may stand at '" + VisibleText(part) + "'";
   return failure;
@@ -122,34 +125,25 @@ std::optional<HdfsFailure> Store(const HdfsRun& run, const Job& job) {
 
 int StoreAll(const HdfsRun& run, const std::vector<Job>& jobs, bool isTree) {
   const HdfsOptions& options = run.Hdfs();
-  std::vector<TransferResult> results(jobs.size());
-  std::uint64_t total = 0;
-  for (std::size_t i = 0; i < jobs.size(); ++i) {
-    results[i] = {jobs[i].shown, jobs[i].remote, jobs[i].length, TransferOutcome::kFailed,
-                  std::nullopt};
-    const bool same = isTree && !options.all && jobs[i].remoteLength == jobs[i].length;
-    if (same) {
-      results[i].outcome = TransferOutcome::kSkipped;
-    } else if (jobs[i].remoteLength && options.noOverwrite) {
-      results[i].failure = Exists(jobs[i].remote);
-    } else {
-      total += jobs[i].length;
+  std::vector<TransferResult> files;
+  files.reserve(jobs.size());
+  for (const Job& job : jobs) {
+    TransferResult& file = files.emplace_back();
+    file.from = job.shown;
+    file.to = job.remote;
+    file.length = job.length;
+    const bool isSame = isTree && !options.all && job.remoteLength == job.length;
+    if (isSame) {
+      file.outcome = TransferOutcome::kSkipped;
+    } else if (job.remoteLength && options.noOverwrite) {
+      file.failure = ThereAlready(job.remote);
     }
   }
-  HdfsExchangeLog::OfThread().CountInto(&run.progress.Count());
-  run.progress.Begin(total, isTree ? std::to_string(jobs.size()) + " files" : jobs[0].remote);
-  RunOnThreads(jobs.size(), options.jobs, [&](std::size_t i) {
-    TransferResult& result = results[i];
-    if (result.outcome != TransferOutcome::kSkipped && !result.failure) {
-      result.failure = Store(run, jobs[i]);
-      if (!result.failure) result.outcome = TransferOutcome::kDone;
-    }
-    TellTransfer(run, result);
-  });
-  return FinishTransfers(run, results, isTree);
+  return TransferFiles(run, std::move(files), isTree, isTree ? std::string() : jobs[0].remote,
+                       [&](std::size_t i) { return Store(run, jobs[i]); });
 }
 
-std::optional<HdfsFailure> Unreadable(const fs::path& path, const std::error_code& problem) {
+HdfsFailure Unreadable(const fs::path& path, const std::error_code& problem) {
   return LocalFailure("reading", Utf8Of(path), ReasonText(problem), kExitLocalFile);
 }
 
@@ -228,6 +222,45 @@ int PutTree(const HdfsRun& run, const fs::path& folder, const std::string& remot
   return StoreAll(run, tree.files, true);
 }
 
+int PutFolder(const HdfsRun& run, const fs::path& folder) {
+  const HdfsOptions& options = run.Hdfs();
+  if (!options.recursive) {
+    return run.Fail(
+        LocalFailure("put", options.local, "it is a folder: type -r to put it", kExitUsage));
+  }
+  std::error_code problem;
+  const std::string name = Utf8Of(fs::absolute(folder / "", problem).parent_path().filename());
+  return PutTree(run, folder, options.intoFolder ? JoinPath(options.remote, name) : options.remote);
+}
+
+/// Finds out whether the remote path is a folder, into which the file then goes under `name` (empty
+/// for the standard input, which has none), and what is there already.
+std::optional<HdfsFailure> FindTarget(const HdfsRun& run, const std::string& name, Job& job) {
+  const HdfsOptions& options = run.Hdfs();
+  FileStatus status;
+  std::optional<HdfsFailure> failure;
+  bool into = options.intoFolder;
+  if (!into) {
+    failure = AskStatus(run.caller, job.remote, status);
+    into = !failure && status.IsFolder();
+  }
+  if (into) {
+    if (name.empty()) {
+      return LocalFailure("put", options.remote, "it is a folder: type the name of the file too",
+                          kExitUsage);
+    }
+    job.remote = JoinPath(options.remote, name);
+    if (const auto mistake = FindPathProblem(job.remote)) {
+      return LocalFailure("put", options.local, *mistake, kExitUsage);
+    }
+    failure = AskStatus(run.caller, job.remote, status);
+  }
+  if (failure) return failure->IsMissing() ? std::nullopt : failure;
+  if (status.IsFolder()) return LocalFailure("put", job.remote, "it is a folder", kExitExists);
+  job.remoteLength = status.length;
+  return std::nullopt;
+}
+
 }  // namespace
 
 int PutFiles(const HdfsRun& run) {
@@ -245,17 +278,9 @@ int PutFiles(const HdfsRun& run) {
     const fs::file_status status = fs::status(local, problem);
     if (!fs::exists(status)) {
       if (!problem) problem = std::make_error_code(std::errc::no_such_file_or_directory);
-      return run.Fail(*Unreadable(local, problem));
+      return run.Fail(Unreadable(local, problem));
     }
-    if (fs::is_directory(status)) {
-      if (!options.recursive) {
-        return run.Fail(
-            LocalFailure("put", options.local, "it is a folder: type -r to put it", kExitUsage));
-      }
-      const std::string name = Utf8Of(fs::absolute(local / "", problem).parent_path().filename());
-      return PutTree(run, local,
-                     options.intoFolder ? JoinPath(options.remote, name) : options.remote);
-    }
+    if (fs::is_directory(status)) return PutFolder(run, local);
     if (!fs::is_regular_file(status)) {
       return run.Fail(LocalFailure("put", options.local,
                                    "it is no regular file: type - to send the standard input",
@@ -263,34 +288,12 @@ int PutFiles(const HdfsRun& run) {
     }
   }
   const std::uintmax_t length = fs::file_size(local, problem);
-  if (problem) return run.Fail(*Unreadable(local, problem));
+  if (problem) return run.Fail(Unreadable(local, problem));
   if (length > kLongestUpload) return run.Fail(TooLong(options.local));
 
   Job job{local, options.local, options.remote, length, std::nullopt};
-  FileStatus status;
-  std::optional<HdfsFailure> failure;
   const std::string name = isInput ? std::string() : Utf8Of(local.filename());
-  bool into = options.intoFolder;
-  if (!into) {
-    failure = AskStatus(run.caller, job.remote, status);
-    into = !failure && status.IsFolder();
-  }
-  if (into) {
-    if (name.empty()) {
-      return run.Fail(LocalFailure("put", options.remote,
-                                   "it is a folder: type the name of the file too", kExitUsage));
-    }
-    job.remote = JoinPath(options.remote, name);
-    if (const auto mistake = FindPathProblem(job.remote)) {
-      return run.Fail(LocalFailure("put", options.local, *mistake, kExitUsage));
-    }
-    failure = AskStatus(run.caller, job.remote, status);
-  }
-  if (failure && !failure->IsMissing()) return run.Fail(*failure);
-  if (!failure && status.IsFolder()) {
-    return run.Fail(LocalFailure("put", job.remote, "it is a folder", kExitExists));
-  }
-  if (!failure) job.remoteLength = status.length;
+  if (const auto failure = FindTarget(run, name, job)) return run.Fail(*failure);
   return StoreAll(run, {job}, false);
 }
 

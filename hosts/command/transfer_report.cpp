@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "hosts/command/transfer_pool.h"
 #include "hosts/command/visible_text.h"
 
 namespace velandoc {
@@ -27,8 +28,11 @@ nlohmann::ordered_json ResultJson(const TransferResult& result) {
           {"error", result.failure ? FailureJson(*result.failure) : nullptr}};
 }
 
-}  // namespace
+bool IsPending(const TransferResult& result) {
+  return result.outcome == TransferOutcome::kFailed && !result.failure;
+}
 
+/// For any thread.
 void TellTransfer(const HdfsRun& run, const TransferResult& result) {
   if (result.failure) {
     run.progress.Say(FailureText(*result.failure));
@@ -40,7 +44,7 @@ void TellTransfer(const HdfsRun& run, const TransferResult& result) {
   run.Tell(VisibleText(result.from) + " -> " + VisibleText(result.to) + ": " + what);
 }
 
-int FinishTransfers(const HdfsRun& run, const std::vector<TransferResult>& results, bool isTree) {
+int TellSums(const HdfsRun& run, const std::vector<TransferResult>& results, bool isTree) {
   std::size_t done = 0;
   std::size_t skipped = 0;
   std::size_t failed = 0;
@@ -76,6 +80,28 @@ int FinishTransfers(const HdfsRun& run, const std::vector<TransferResult>& resul
              std::to_string(skipped) + " skipped, " + std::to_string(failed) + " failed");
   }
   return exitCode;
+}
+
+}  // namespace
+
+int TransferFiles(const HdfsRun& run, std::vector<TransferResult> files, bool isTree,
+                  const std::string& name,
+                  const std::function<std::optional<HdfsFailure>(std::size_t)>& transfer) {
+  std::uint64_t total = 0;
+  for (const TransferResult& file : files) {
+    if (IsPending(file)) total += file.length;
+  }
+  HdfsExchangeLog::OfThread().CountInto(&run.progress.Count());
+  run.progress.Begin(total, isTree ? std::to_string(files.size()) + " files" : name);
+  RunOnThreads(files.size(), run.Hdfs().jobs, [&](std::size_t i) {
+    TransferResult& file = files[i];
+    if (IsPending(file)) {
+      file.failure = transfer(i);
+      if (!file.failure) file.outcome = TransferOutcome::kDone;
+    }
+    TellTransfer(run, file);
+  });
+  return TellSums(run, files, isTree);
 }
 
 }  // namespace velandoc

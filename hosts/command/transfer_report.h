@@ -1,7 +1,8 @@
-// What became of the files of one get or put.
+// The files of one get or put: transferred one by one or several at once, and told of.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,11 +21,12 @@ struct TransferResult {
   std::optional<HdfsFailure> failure;
 };
 
-/// Tells of one file as soon as it is over, for any thread.
-void TellTransfer(const HdfsRun& run, const TransferResult& result);
-
-/// The end: JSON, or with `isTree` a line with the sums. The exit code, which is that of the first
-/// failure in the order of `results`.
-int FinishTransfers(const HdfsRun& run, const std::vector<TransferResult>& results, bool isTree);
+/// Calls `transfer` with the index of each file that is neither skipped nor failed already, on as
+/// many threads as the options allow, and tells of each file as soon as it is over. At the end:
+/// JSON, or with `isTree` a line with the sums. `name` stands at the progress of a file that is no
+/// part of a tree. The exit code is that of the first failure in the order of `files`.
+int TransferFiles(const HdfsRun& run, std::vector<TransferResult> files, bool isTree,
+                  const std::string& name,
+                  const std::function<std::optional<HdfsFailure>(std::size_t)>& transfer);
 
 }  // namespace velandoc

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/posix/msxml/companion.h"
+#include "platform/posix/msxml/msxml.h"
 
 namespace velandoc::dom {
 

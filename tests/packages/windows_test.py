@@ -133,11 +133,17 @@ def msi_work(prefix, packages, work, checks, server):
     checks.equal("one product is listed", products(prefix), [version])
     use_samples(prefix, checks)
 
+    def make(version, name):
+        made = prefix.folder / name
+        subprocess.run([TOP / "packaging/windows/make-msi", version, work.absolute().relative_to(TOP) / "files", made],
+                       check=True)
+        return made
+
+    checks.equal("another build of the version installs over it", install(make(version, "again.msi"), "/i"), 0)
+    checks.equal("and is the only one", products(prefix), [version])
     major, minor, patch = (int(part) for part in version.split("."))
     newer_version = f"{major}.{minor}.{patch + 1}"
-    newer = prefix.folder / "newer.msi"
-    subprocess.run([TOP / "packaging/windows/make-msi", newer_version, work.absolute().relative_to(TOP) / "files", newer],
-                   check=True)
+    newer = make(newer_version, "newer.msi")
     checks.equal("a newer one installs over it", install(newer, "/i"), 0)
     checks.equal("and takes its place", products(prefix), [newer_version])
     checks.equal("with all its files", files_below(folder), expected)

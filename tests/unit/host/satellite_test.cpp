@@ -45,7 +45,16 @@ class SatelliteTest : public testing::Test {
     return OLESTR("none");
   }
   static HINSTANCE Handle(int& place) { return reinterpret_cast<HINSTANCE>(&place); }
+  /// A German user, and a German satellite beside the library; its handle.
+  HINSTANCE GiveGermanSatellite() {
+    const WideString file = Home(OLESTR("C:/A/de-DE/X.res.dll"));
+    modules.languages = {OLESTR("de-DE")};
+    modules.files = {file};
+    modules.libraries[file] = Handle(german);
+    return Handle(german);
+  }
 
+  int german = 0;
   ScriptedModules modules;
   PortScope<ModuleServices> scope{modules};
   SatelliteSearch search;
@@ -178,13 +187,9 @@ TEST_F(SatelliteTest, TheProcessHasOneSearch) {
 }
 
 TEST_F(SatelliteTest, TheApplicationOpensItsSatelliteForItsResourcesAlone) {
-  int place = 0;
-  const WideString file = Home(OLESTR("C:/A/de-DE/X.res.dll"));
-  modules.languages = {OLESTR("de-DE")};
-  modules.files = {file};
-  modules.libraries[file] = Handle(place);
+  const HINSTANCE satellite = GiveGermanSatellite();
   CVelandocApp app(search);
-  EXPECT_EQ(app.LoadAppLangResourceDLL(), Handle(place));
+  EXPECT_EQ(app.LoadAppLangResourceDLL(), satellite);
   EXPECT_EQ(modules.calls.back(), Home("load C:/A/de-DE/X.res.dll 96"));
 }
 
@@ -285,19 +290,15 @@ TEST_F(SatelliteTest, ExtensionLibrariesComeAndGo) {
 }
 
 TEST_F(SatelliteTest, TheApplicationLetsItsSatelliteGoAtItsEnd) {
-  int place = 0;
-  const WideString file = Home(OLESTR("C:/A/de-DE/X.res.dll"));
-  modules.languages = {OLESTR("de-DE")};
-  modules.files = {file};
-  modules.libraries[file] = Handle(place);
+  const HINSTANCE satellite = GiveGermanSatellite();
   {
     CVelandocApp app(search);
     EXPECT_EQ(app.CWinApp::InitInstance(), TRUE);
-    EXPECT_EQ(app.m_hLangResourceDLL, Handle(place));
-    EXPECT_EQ(AfxGetStaticModuleState()->m_hCurrentResourceHandle, Handle(place));
+    EXPECT_EQ(app.m_hLangResourceDLL, satellite);
+    EXPECT_EQ(AfxGetStaticModuleState()->m_hCurrentResourceHandle, satellite);
     EXPECT_THAT(modules.freed, IsEmpty());
   }
-  EXPECT_THAT(modules.freed, ElementsAre(Handle(place)));
+  EXPECT_THAT(modules.freed, ElementsAre(satellite));
   EXPECT_EQ(AfxGetStaticModuleState()->m_hCurrentResourceHandle, GetModuleInstance());
 }
 

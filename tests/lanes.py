@@ -29,6 +29,7 @@ WINDOWS = BUILD / "windows"
 FUZZ = BUILD / "fuzz"
 PYTHON = "/usr/bin/python3"
 FUZZ_RUNS = 20000
+WARNINGS_ARE_ERRORS = "-DCMAKE_COMPILE_WARNING_AS_ERROR=ON"
 NOT_POSSIBLE = 77  # the exit code of a checklist whose rest cannot be run here; its last line says why
 
 
@@ -81,8 +82,8 @@ class Lane:
 
     def build(self, preset, *targets):
         directory = BUILD / preset
-        if not (directory / "build.ninja").exists():
-            code, output = self.run(["cmake", "--preset", preset], timeout=300)
+        if not (directory / "build.ninja").exists() or not warnings_are_errors(directory):
+            code, output = self.run(["cmake", "--preset", preset, WARNINGS_ARE_ERRORS], timeout=300)
             if code:
                 raise LaneFailure(f"cmake --preset {preset} failed\n{tail(output)}")
         command = ["cmake", "--build", directory]
@@ -154,6 +155,12 @@ class Lane:
             self.add(f"{name}: {what}", "passed" if state == "ok" else "failed")
         if not checks or (code and all(state == "ok" for state, _ in checks)):
             self.add(name, "failed", f"exit code {code}\n{tail(output, 30)}")
+
+
+def warnings_are_errors(directory):
+    """Whether ./test configured the build folder; ./run and plain cmake leave warnings alone."""
+    cache = (directory / "CMakeCache.txt").read_text(encoding="utf-8")
+    return re.search(r"^CMAKE_COMPILE_WARNING_AS_ERROR:\w+=ON$", cache, re.MULTILINE) is not None
 
 
 def tail(text, lines=15):

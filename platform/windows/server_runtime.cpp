@@ -82,7 +82,10 @@ class WindowsServerRuntime final : public ServerRuntime {
   }
 
   HRESULT RegisterTypeLib(const TypeLibrary& library) override {
-    return Register(library, &::RegisterTypeLib);
+    // Not its address: the texts are LPCOLESTR in newer headers and OLECHAR* in older ones.
+    return Register(library, [](ITypeLib* loaded, OLECHAR* path, OLECHAR* helpFolder) {
+      return ::RegisterTypeLib(loaded, path, helpFolder);
+    });
   }
   HRESULT UnRegisterTypeLib(const TypeLibrary& library) override {
     return Unregister(library, &::UnRegisterTypeLib);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/no_enumerator.h"
 #include "tests/support/scripted_wininet.h"
 
 namespace velandoc::testing {
@@ -28,8 +29,8 @@ HRESULT WrapMap(HRESULT result, ComPtr<IXMLDOMNamedNodeMap> real, IXMLDOMNamedNo
 HRESULT WrapDocument(HRESULT result, IXMLDOMDocument* real, IXMLDOMDocument** out);
 
 // Counting, and the dispatch interface that nobody uses.
-template <class Interface>
-class Wrapper : public Interface {
+template <class Interface, class Base = Interface>
+class Wrapper : public Base {
  public:
   explicit Wrapper(ComPtr<Interface> below) : m_below(std::move(below)) { ++current->alive; }
   virtual ~Wrapper() { --current->alive; }
@@ -264,9 +265,9 @@ class DocumentWrapper final : public NodeWrapper<IXMLDOMDocument2> {
 };
 
 template <class Interface>
-class ListWrapper : public Wrapper<Interface> {
+class ListWrapper : public Wrapper<Interface, NoEnumerator<Interface>> {
  public:
-  using Wrapper<Interface>::Wrapper;
+  using Wrapper<Interface, NoEnumerator<Interface>>::Wrapper;
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
     *object = nullptr;
@@ -284,10 +285,9 @@ class ListWrapper : public Wrapper<Interface> {
   }
   HRESULT STDMETHODCALLTYPE nextNode(IXMLDOMNode**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE reset() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE get__newEnum(IUnknown**) override { return E_NOTIMPL; }
 
  protected:
-  using Wrapper<Interface>::m_below;
+  using Wrapper<Interface, NoEnumerator<Interface>>::m_below;
 };
 
 class MapWrapper final : public ListWrapper<IXMLDOMNamedNodeMap> {

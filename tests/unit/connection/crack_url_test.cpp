@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "connection/schemes.h"
 #include "connection/url_components.h"
 #include "tests/support/scripted_wininet.h"

@@ -7,6 +7,7 @@
 #include "soap/list_items.h"
 #include "tests/support/fault_code_page.h"
 #include "tests/support/field_text.h"
+#include "tests/support/no_enumerator.h"
 #include "tests/unit/soap/service_fixture.h"
 
 namespace velandoc {
@@ -284,7 +285,7 @@ TEST_F(ListFields, ReadListFieldsRaisesEPointerForNoList) {
 }
 
 // Says that it has two nodes, and has one.
-class ShortList final : public IXMLDOMNodeList {
+class ShortList final : public testing::NoEnumerator<IXMLDOMNodeList> {
  public:
   explicit ShortList(IXMLDOMNode* node) : m_node(node) {}
   virtual ~ShortList() = default;
@@ -315,7 +316,6 @@ class ShortList final : public IXMLDOMNodeList {
   }
   HRESULT STDMETHODCALLTYPE nextNode(IXMLDOMNode**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE reset() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE get__newEnum(IUnknown**) override { return E_NOTIMPL; }
 
  private:
   IXMLDOMNode* m_node;

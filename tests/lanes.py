@@ -18,7 +18,8 @@ import time
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(TOP / "tests/support"))
-from stand_in import StandIn  # noqa: E402  (the path stands one line above)
+import debian_tree  # noqa: E402  (the path stands one line above)
+from stand_in import StandIn  # noqa: E402
 
 BUILD = TOP / "build"
 LOGS = BUILD / "test"
@@ -29,6 +30,7 @@ WINDOWS = BUILD / "windows"
 FUZZ = BUILD / "fuzz"
 PYTHON = "/usr/bin/python3"
 FUZZ_RUNS = 20000
+SHORT_PROGRAMS = 300
 WARNINGS_ARE_ERRORS = "-DCMAKE_COMPILE_WARNING_AS_ERROR=ON"
 NOT_POSSIBLE = 77  # the exit code of a checklist whose rest cannot be run here; its last line says why
 
@@ -411,7 +413,11 @@ def lane_packages(lane):
 
 def lane_demo(lane):
     """./run, the README's first command, and what it must print."""
-    code, output = lane.run([TOP / "run"], timeout=2400)
+    check_demo(lane, [TOP / "run"])
+
+
+def check_demo(lane, command):
+    code, output = lane.run(command, timeout=2400)
     lane.add("./run ends well", "passed" if code == 0 else "failed", tail(output, 30))
     for line in ("https://docs.example.test/: SharePoint server", "http://docs.example.test/: SharePoint server",
                  "http://www.example.test/: no SharePoint server"):
@@ -422,6 +428,47 @@ def lane_demo(lane):
                  "nothing that is required is missing"):
         lane.add(line, "passed" if f"\n{line}\n" in output else "failed")
     check_hdfs_job(lane, output)
+
+
+def lane_debian(lane):
+    """The other Debian, in a tree of its own: both homes built there without a warning, and tried."""
+    folder = BUILD / "debian-other"
+    listed = subprocess.run([TOP / "tools/setup", "--list"], capture_output=True, text=True, check=True).stdout
+    try:
+        release = debian_tree.other_release()
+        debian_tree.prepare(folder, release, listed.split())
+    except debian_tree.NotPossible as reason:
+        lane.add("the other Debian", "skipped", str(reason))
+        return
+    certificates(lane)
+    # The builds lie in the tree, and go with it when it is made anew. The authority is the one of the server out here.
+    tree = debian_tree.Tree(folder, [(TOP, TOP, False), (folder / "builds", BUILD, True), (LOGS, LOGS, True),
+                                     (CERTIFICATES, CERTIFICATES, True)], TOP)
+
+    product = "velandoc velandoc_command velandoc_tests velandoc_echo"
+    targets_of = {"native": f"{product} velandoc_script velandoc-standin", "windows": f"{product} trust_ca"}
+    for preset, targets in targets_of.items():
+        build = (f"[ -e build/{preset}/build.ninja ] || cmake --preset {preset} {WARNINGS_ARE_ERRORS}; "
+                 f"cmake --build build/{preset} --target {targets}")
+        if not lane.check(f"{preset} builds without a warning", tree.command("sh", "-ec", build), timeout=2400):
+            raise LaneFailure(f"{preset} does not build in the tree of {release}")
+
+    # Wine writes its registry when its server ends, which is later than its programs.
+    prefix = ("rm -rf build/wine; tools/wine build/windows/bin/trust_ca.exe build/certificates/ca.pem; "
+              "WINEPREFIX=$PWD/build/wine /usr/lib/wine/wineserver -w")
+    code, output = lane.run(tree.command("sh", "-ec", prefix), timeout=300)
+    if code:
+        raise LaneFailure(f"the Wine prefix could not be made\n{tail(output)}")
+    with standin(lane) as environment:
+        lane.googletest("unit", tree.command("build/native/bin/velandoc_tests", env=environment), timeout=900)
+        lane.googletest("wine", tree.command("tools/wine", "build/windows/bin/velandoc_tests.exe", env=environment),
+                        timeout=1200)
+        lane.checklist("short programs", tree.command(PYTHON, "-B", "tests/support/short_programs.py", NATIVE / "bin",
+                                                      SHORT_PROGRAMS, env=environment), timeout=600)
+    lane.unittest("cli", tree.command(PYTHON, "-B", "tests/cli/cli_test.py", "--binary", "build/native/bin/velandoc",
+                                      "--standin", "build/native/bin/velandoc-standin"), timeout=900)
+    lane.unittest("scripts", tree.command(PYTHON, "-B", "tests/scripts/compare.py"), timeout=900)
+    check_demo(lane, tree.command("./run"))
 
 
 LANES = {
@@ -439,6 +486,7 @@ LANES = {
     "fuzz": lane_fuzz,
     "hadoop": lane_hadoop,
     "packages": lane_packages,
+    "debian": lane_debian,
     "demo": lane_demo,
 }
 

@@ -40,8 +40,7 @@ class Missing(Exception):
 
 def class_path():
     """What javac and java take, fetched on the first call and whenever pom.xml changed."""
-    for program, package in (("java", "openjdk-17-jdk-headless"), ("javac", "openjdk-17-jdk-headless"),
-                             ("mvn", "maven")):
+    for program, package in (("java", "default-jdk-headless"), ("javac", "default-jdk-headless"), ("mvn", "maven")):
         if shutil.which(program) is None:
             raise Missing(f"there is no {program} (Debian's package {package})")
     BUILD.mkdir(parents=True, exist_ok=True)
@@ -104,7 +103,7 @@ class Cluster:
         classes, settings = compiled(path), settings_folder()
         self.folder = tempfile.TemporaryDirectory(prefix="velandoc-hadoop-")
         self.log = open(log, "wb")
-        # Hadoop looks into classes that Java 17 closes by default.
+        # Hadoop looks into classes that Java closes by default, from version 17 on.
         opened = [f"--add-opens=java.base/{package}=ALL-UNNAMED" for package in ("java.lang", "java.util", "java.nio")]
         self.process = subprocess.Popen(
             ["java", f"-Xmx{HEAP}", "-XX:MaxDirectMemorySize=256m", "-XX:+UseSerialGC", *opened, "MiniCluster",

@@ -3,27 +3,26 @@
 
     debian_test.py --packages build/packages --tree build/debian-tree --standin build/native/bin/velandoc-standin
 
-The tree is a Debian of its own, made once by mmdebstrap and kept without the packages; each run works on a copy. Needs
-root. One line a check, 'ok WHAT' or 'FAILED WHAT'; exit code 0 if every check holds, 77 with a line of why where no
-tree can be made.
+The tree is a Debian of the machine's own release, made once by mmdebstrap and kept without the packages; each run works
+on a copy. Needs root. One line a check, 'ok WHAT' or 'FAILED WHAT'; exit code 0 if every check holds, 77 with a line of
+why where no tree can be made.
 """
 
 import argparse
 import contextlib
-import os
 import pathlib
 import shutil
 import subprocess
 import sys
 
 TOP = pathlib.Path(__file__).resolve().parent.parent.parent
-sys.path.insert(0, str(TOP / "tests/cli"))
+sys.path[:0] = [str(TOP / "tests/cli"), str(TOP / "tests/support")]
+import debian_tree  # noqa: E402  (the paths stand one line above)
 import support  # noqa: E402
 
 NOT_POSSIBLE = 77
 # What building a host takes, and the shells whose completions are read.
-TREE_PACKAGES = "g++,cmake,make,pkg-config,bash-completion,zsh,fish,man-db"
-PATH = "/usr/sbin:/usr/bin:/sbin:/bin"
+TREE_PACKAGES = ("g++", "cmake", "make", "pkg-config", "bash-completion", "zsh", "fish", "man-db")
 DOCUMENT = "http://docs.example.test/sites/a/Shared%20Documents/b.xlsx"
 
 
@@ -39,73 +38,27 @@ class Checks:
                 print(f"        {line}")
 
 
-def mirror():
-    """Where this machine's own packages come from."""
-    listed = subprocess.run(["apt-get", "indextargets", "--format", "$(REPO_URI) $(RELEASE)", "Created-By: Packages"],
-                            capture_output=True, text=True, check=False).stdout
-    for line in listed.splitlines():
-        uri, _, release = line.partition(" ")
-        if release == "bookworm":
-            return uri
-    return None
-
-
-def clean_tree(tree):
-    """Makes the tree where it is not there yet; returns why it cannot be made, or None."""
-    if (tree / "made").exists():
-        return None
-    if os.geteuid() != 0:
-        return "a clean tree takes root"
-    uri = mirror()
-    if uri is None:
-        return "this machine is no Debian 12 with package sources"
-    shutil.rmtree(tree, ignore_errors=True)
-    made = subprocess.run(["mmdebstrap", "--quiet", "--variant=apt", f"--include={TREE_PACKAGES}", "bookworm", tree, uri],
-                          stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=900, check=False)
-    if made.returncode != 0:
-        shutil.rmtree(tree, ignore_errors=True)
-        return "mmdebstrap failed: " + (made.stdout + made.stderr).strip().splitlines()[-1]
-    for folder in ("sources.list", "sources.list.d", "apt.conf.d"):
-        source = pathlib.Path("/etc/apt") / folder
-        target = tree / "etc/apt" / folder
+def clean_tree(folder):
+    """Makes the tree where it is not there yet, with the machine's own sources of packages."""
+    debian_tree.prepare(folder, debian_tree.machine_release(), TREE_PACKAGES)
+    for name in ("sources.list", "sources.list.d", "apt.conf.d"):
+        source = pathlib.Path("/etc/apt") / name
+        target = folder / "etc/apt" / name
         if source.is_dir():
             shutil.copytree(source, target, dirs_exist_ok=True)
         elif source.exists():
             shutil.copy(source, target)
-    (tree / "made").touch()
-    return None
-
-
-class Tree:
-    """A copy of the clean tree."""
-
-    def __init__(self, folder):
-        self.folder = folder
-
-    def run(self, *command, env=None, timeout=600):
-        environment = {"PATH": PATH, "HOME": "/root", "LANG": "C.UTF-8", **(env or {})}
-        done = subprocess.run(["chroot", self.folder, *command], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                              stderr=subprocess.STDOUT, text=True, env=environment, timeout=timeout, check=False)
-        return done.returncode, done.stdout
 
 
 @contextlib.contextmanager
 def copy_of(tree):
     folder = tree.with_name(tree.name + "-used")
-    shutil.rmtree(folder, ignore_errors=True)
+    debian_tree.remove(folder)
     subprocess.run(["cp", "-a", "--one-file-system", tree, folder], check=True)
-    for name in ("resolv.conf", "hosts"):
-        shutil.copy(f"/etc/{name}", folder / "etc" / name)
-    mounted = []
     try:
-        for name in ("proc", "dev"):
-            subprocess.run(["mount", "--bind", f"/{name}", folder / name], check=True)
-            mounted.append(folder / name)
-        yield Tree(folder)
+        yield debian_tree.Tree(folder)
     finally:
-        for place in reversed(mounted):
-            subprocess.run(["umount", "--lazy", place], check=False)
-        shutil.rmtree(folder, ignore_errors=True)
+        debian_tree.remove(folder)
 
 
 def files_of(tree):
@@ -208,9 +161,10 @@ def main():
     checks.that("lintian has no error and no warning", linted.returncode == 0 and len(changes) == 1,
                 linted.stdout + linted.stderr)
 
-    problem = clean_tree(arguments.tree.absolute())
-    if problem is not None:
-        print(problem)
+    try:
+        clean_tree(arguments.tree.absolute())
+    except debian_tree.NotPossible as reason:
+        print(reason)
         return 1 if checks.failed else NOT_POSSIBLE
     support.standin = arguments.standin
     server = support.Server()

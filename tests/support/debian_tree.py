@@ -18,6 +18,8 @@ SECONDS_TO_MAKE = 1500
 # the first process of a namespace.
 ENTER = """
 tree=$1; shift
+# In a chroot, / is no mount that could be made private.
+mount --make-rprivate / 2>/dev/null || { mount --bind "$tree" "$tree"; mount --make-rprivate "$tree"; }
 mount --rbind /dev "$tree/dev"
 mount -t proc proc "$tree/proc"
 while [ "$1" != -- ]; do
@@ -80,8 +82,8 @@ class Tree:
         mounts = [part for source, place, writable in self.mounts
                   for part in (source, place, "writable" if writable else "read-only")]
         environment = {"PATH": PATH, "HOME": "/root", "LANG": "C.UTF-8", **(env or {})}
-        line = ["unshare", "--mount", "--pid", "--fork", "--kill-child", "sh", "-ec", ENTER, "sh", self.folder, *mounts,
-                "--", "env", "--ignore-environment", f"--chdir={self.current}",
+        line = ["unshare", "--mount", "--propagation", "unchanged", "--pid", "--fork", "--kill-child", "sh", "-ec", ENTER,
+                "sh", self.folder, *mounts, "--", "env", "--ignore-environment", f"--chdir={self.current}",
                 *(f"{name}={value}" for name, value in environment.items()), *command]
         return [str(part) for part in line]
 
@@ -128,6 +130,7 @@ def remove(folder):
     """Removes a tree, but never through a mount: an interrupted mmdebstrap may have left the machine's /dev there."""
     mounts = pathlib.Path("/proc/self/mounts").read_text(encoding="utf-8", errors="replace").splitlines()
     places = [line.split()[1].replace("\\040", " ") for line in mounts]
-    for place in sorted((place for place in places if place.startswith(f"{folder}/")), reverse=True):
+    own = [place for place in places if place == str(folder) or place.startswith(f"{folder}/")]
+    for place in sorted(own, reverse=True):
         subprocess.run(["umount", place], check=True)
     shutil.rmtree(folder, ignore_errors=True)

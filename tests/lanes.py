@@ -1,7 +1,8 @@
-"""The lanes of ./test: each builds what it needs, runs, and counts what passed, failed and was skipped.
+"""The lanes of ./test: what each needs, and what it runs.
 
-A lane is a function that yields results; a result is (name, state, detail) with a state of 'passed', 'failed' or
-'skipped'. Everything runs on loopback and under a time limit. Output of the programs goes to build/test/LANE.log.
+A lane is a function that adds results to its Lane (tests/support/lane.py); tests/support/schedule.py decides when it runs.
+Everything runs on loopback and under a time limit. Several lanes run at once, so each has a Wine prefix and a folder for
+temporary files of its own.
 """
 
 import argparse
@@ -11,7 +12,6 @@ import os
 import pathlib
 import re
 import shutil
-import signal
 import subprocess
 import sys
 import time
@@ -19,10 +19,12 @@ import time
 TOP = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(TOP / "tests/support"))
 import debian_tree  # noqa: E402  (the path stands one line above)
+import tidy  # noqa: E402
+from lane import LOGS, LaneFailure, end_all, tail  # noqa: E402
+from schedule import STATES, LanePlan, Schedule  # noqa: E402
 from stand_in import StandIn  # noqa: E402
 
 BUILD = TOP / "build"
-LOGS = BUILD / "test"
 CERTIFICATES = BUILD / "certificates"
 NATIVE = BUILD / "native"
 ASAN = BUILD / "asan"
@@ -32,131 +34,9 @@ PYTHON = "/usr/bin/python3"
 FUZZ_RUNS = 20000
 SHORT_PROGRAMS = 300
 WARNINGS_ARE_ERRORS = "-DCMAKE_COMPILE_WARNING_AS_ERROR=ON"
-NOT_POSSIBLE = 77  # the exit code of a checklist whose rest cannot be run here; its last line says why
 
 
-class LaneFailure(Exception):
-    """The lane could not be run at all: counts as one failed test."""
-
-
-# --- running programs -----------------------------------------------------------------------------------------------
-
-
-class Lane:
-    """One lane's log and results."""
-
-    def __init__(self, name):
-        self.name = name
-        self.results = []
-        LOGS.mkdir(parents=True, exist_ok=True)
-        self.log_path = LOGS / f"{name}.log"
-        self.log = open(self.log_path, "w", encoding="utf-8", errors="replace")
-
-    def add(self, name, state, detail=""):
-        self.results.append((name, state, detail))
-
-    def run(self, command, *, env=None, timeout=600, cwd=TOP):
-        """Runs a program to its end; its output goes to the log. Returns (exit code, output)."""
-        command = [str(part) for part in command]
-        self.log.write(f"$ {' '.join(command)}\n")
-        self.log.flush()
-        environment = dict(os.environ)
-        environment.update({key: str(value) for key, value in (env or {}).items()})
-        process = subprocess.Popen(command, cwd=cwd, env=environment, stdin=subprocess.DEVNULL,
-                                   stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                                   start_new_session=True)
-        try:
-            output, _ = process.communicate(timeout=timeout)
-        except subprocess.TimeoutExpired:
-            os.killpg(process.pid, signal.SIGKILL)
-            output, _ = process.communicate()
-            output += f"\ntimed out after {timeout} s\n".encode()
-        text = output.decode("utf-8", "replace")
-        self.log.write(text + f"\n[exit code {process.returncode}]\n")
-        self.log.flush()
-        return process.returncode, text
-
-    def check(self, name, command, **options):
-        """A program whose exit code 0 is the test."""
-        code, output = self.run(command, **options)
-        self.add(name, "passed" if code == 0 else "failed", tail(output) if code else "")
-        return code == 0
-
-    def build(self, preset, *targets):
-        directory = BUILD / preset
-        if not (directory / "build.ninja").exists() or not warnings_are_errors(directory):
-            code, output = self.run(["cmake", "--preset", preset, WARNINGS_ARE_ERRORS], timeout=300)
-            if code:
-                raise LaneFailure(f"cmake --preset {preset} failed\n{tail(output)}")
-        command = ["cmake", "--build", directory]
-        if targets:
-            command += ["--target", *targets]
-        code, output = self.run(command, timeout=2400)
-        if code:
-            raise LaneFailure(f"building {preset} failed\n{tail(output, 40)}")
-
-    def googletest(self, prefix, command, **options):
-        """A GoogleTest program: one result for each of its tests, and one failed result if it did not end well."""
-        report = LOGS / f"{self.name}.{prefix}.json"
-        report.unlink(missing_ok=True)
-        output_option = report.relative_to(TOP)
-        code, output = self.run([*command, f"--gtest_output=json:{output_option}"], **options)
-        if not report.exists():
-            self.add(f"{prefix}", "failed", f"exit code {code}, no report\n{tail(output, 30)}")
-            return
-        document = json.loads(report.read_text(encoding="utf-8"))
-        failures = 0
-        for suite in document["testsuites"]:
-            for case in suite["testsuite"]:
-                name = f"{prefix} {suite['name']}.{case['name']}"
-                if case.get("failures"):
-                    failures += 1
-                    self.add(name, "failed", case["failures"][0]["failure"])
-                elif case["result"] == "SKIPPED":
-                    self.add(name, "skipped", "by the test itself")
-                elif case["result"] == "COMPLETED":
-                    self.add(name, "passed")
-        if document["tests"] == 0:
-            self.add(prefix, "failed", "no test was found")
-        if code and not failures:
-            self.add(prefix, "failed", f"exit code {code}\n{tail(output, 30)}")
-
-    def unittest(self, name, command, **options):
-        """A program over Python's unittest: its summary line gives the counts."""
-        code, output = self.run(command, **options)
-        ran = re.search(r"^Ran (\d+) tests? in", output, re.MULTILINE)
-        if not ran:
-            self.add(name, "failed", f"exit code {code}, no summary\n{tail(output, 30)}")
-            return
-
-        def count(word):
-            found = re.findall(rf"\b{word}=(\d+)", output)
-            return int(found[-1]) if found else 0
-
-        failed = count("failures") + count("errors")
-        skipped = count("skipped")
-        if code and not failed:
-            failed = 1
-        for number in range(failed):
-            self.add(f"{name} #{number + 1}", "failed", tail(output, 30) if number == 0 else "")
-        for number in range(skipped):
-            self.add(f"{name}", "skipped", "by the test itself")
-        for number in range(int(ran.group(1)) - failed - skipped):
-            self.add(f"{name}", "passed")
-        if int(ran.group(1)) == 0:
-            self.add(name, "failed", "no test was found")
-
-    def checklist(self, name, command, **options):
-        """A program that prints a line for each of its checks: 'ok WHAT' or 'FAILED WHAT'."""
-        code, output = self.run(command, **options)
-        checks = re.findall(r"^(ok|FAILED) +(.*)$", output, re.MULTILINE)
-        if code == NOT_POSSIBLE:
-            self.add(name, "skipped", tail(output, 1))
-            code = 0
-        for state, what in checks:
-            self.add(f"{name}: {what}", "passed" if state == "ok" else "failed")
-        if not checks or (code and all(state == "ok" for state, _ in checks)):
-            self.add(name, "failed", f"exit code {code}\n{tail(output, 30)}")
+# --- the builds -------------------------------------------------------------------------------------------------------
 
 
 def warnings_are_errors(directory):
@@ -165,21 +45,69 @@ def warnings_are_errors(directory):
     return re.search(r"^CMAKE_COMPILE_WARNING_AS_ERROR:\w+=ON$", cache, re.MULTILINE) is not None
 
 
-def tail(text, lines=15):
-    return "\n".join(text.rstrip().splitlines()[-lines:])
+def made(preset, *targets):
+    """A build of a preset's targets; of everything if none is named."""
+    def build(programs):
+        folder = BUILD / preset
+        if not (folder / "build.ninja").exists() or not warnings_are_errors(folder):
+            code, output = programs.run(["cmake", "--preset", preset, WARNINGS_ARE_ERRORS], timeout=300)
+            if code:
+                raise LaneFailure(f"cmake --preset {preset} failed\n{tail(output)}")
+        command = ["cmake", "--build", folder, *(["--target", *targets] if targets else [])]
+        code, output = programs.run(command, timeout=2400)
+        if code:
+            raise LaneFailure(f"building {preset} failed\n{tail(output, 40)}")
+    return build
 
 
-def certificates(lane):
-    code, output = lane.run([TOP / "standin/make-certificates", CERTIFICATES], timeout=120)
+def make_headers(programs):
+    for preset in ("native", "windows"):
+        made(preset, "velandoc_headers")(programs)
+
+
+def make_dialog(programs):
+    """All of the native build, with the dialog's module."""
+    ninja = NATIVE / "build.ninja"
+    if ninja.exists() and "libvelandoc-dialog.so" not in ninja.read_text(encoding="utf-8"):
+        # What the module needs may have been installed after the folder was made.
+        programs.run(["cmake", "--preset", "native", WARNINGS_ARE_ERRORS], timeout=300)
+    made("native")(programs)
+
+
+def make_packages(programs):
+    code, output = programs.run([TOP / "package"], timeout=2400)
+    if code:
+        raise LaneFailure(f"./package failed\n{tail(output, 30)}")
+
+
+def make_certificates(programs):
+    code, output = programs.run([TOP / "standin/make-certificates", CERTIFICATES], timeout=120)
     if code:
         raise LaneFailure(f"making certificates failed\n{tail(output)}")
+
+
+# Made in this order, so that long lanes start early.
+BUILDS = {
+    "certificates": make_certificates,
+    "stand-in": made("native", "velandoc-standin"),
+    "linux": made("native", "velandoc", "velandoc_command", "velandoc_script", "hdfs_transfer"),
+    "linux-all": make_dialog,
+    "windows": made("windows", "velandoc", "velandoc_command", "trust_ca"),
+    "packages": make_packages,
+    "headers": make_headers,
+    "windows-all": made("windows"),
+    "fuzz": made("fuzz", "fuzz_targets"),
+    "unit": made("asan", "velandoc_tests"),
+    "threads": made("tsan", "velandoc_thread_tests"),
+}
+
+
+# --- what lanes have in common ----------------------------------------------------------------------------------------
 
 
 @contextlib.contextmanager
 def standin(lane):
     """The stand-in server for the length of a lane; gives the environment that tells tests where it is."""
-    lane.build("native", "velandoc-standin")
-    certificates(lane)
     folder = LOGS / f"standin-{lane.name}"
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
@@ -204,20 +132,28 @@ def standin(lane):
                 lane.add("stand-in server ends on SIGTERM", "failed")
 
 
-def wine_prefix(lane, *targets):
-    """A fresh Wine prefix in build/wine that trusts the test authority. Builds what is named, or everything."""
-    lane.build("windows", *targets)
-    certificates(lane)
+@contextlib.contextmanager
+def wine_prefix(lane):
+    """A fresh Wine prefix for the length of a lane, which trusts the test authority."""
     server = next(p for p in ("/usr/lib/wine/wineserver64", "/usr/lib/wine/wineserver")
                   if os.path.exists(p))
-    prefix = BUILD / "wine"
-    if prefix.exists():
-        lane.run([server, "-k"], env={"WINEPREFIX": prefix}, timeout=30)
-        shutil.rmtree(prefix, ignore_errors=True)
+    prefix = LOGS / f"wine-{lane.name}"
+
+    def remove():
+        if prefix.exists():
+            lane.run([server, "-k"], env={"WINEPREFIX": prefix}, timeout=30)
+            shutil.rmtree(prefix, ignore_errors=True)
+
+    remove()
+    lane.environment["VELANDOC_WINE_PREFIX"] = prefix
     code, output = lane.run([TOP / "tools/wine", "build/windows/bin/trust_ca.exe",
                              "build/certificates/ca.pem"], timeout=180)
     if code:
         raise LaneFailure(f"the Wine prefix could not be made\n{tail(output)}")
+    try:
+        yield
+    finally:
+        remove()
 
 
 # --- the lanes --------------------------------------------------------------------------------------------------------
@@ -255,26 +191,22 @@ def lane_style(lane):
                 upward.append(f"{name} includes {included}/")
     lane.add("includes point down the layers", "failed" if upward else "passed", "\n".join(upward))
 
+    late = []
+    for name in sources(".cpp"):
+        header = TOP / re.sub(r"\.cpp$", ".h", name)
+        first = re.search(r"^\s*#\s*include\s+(\S+)", (TOP / name).read_text(), re.MULTILINE)
+        if header.exists() and first[1] != f'"{header.relative_to(TOP)}"':
+            late.append(name)
+    lane.add("each source file includes its own header first", "failed" if late else "passed", "\n".join(late))
+    # What is left of the headers are those that the build `headers` compiles.
     for home in ("native", "windows"):
-        lane.build(home, "velandoc_headers")
         lane.add(f"each header compiles alone ({home})", "passed")
 
-    units = [entry["file"] for entry in json.loads((NATIVE / "compile_commands.json").read_text())
-             if re.match(rf"{re.escape(str(TOP))}/({'|'.join(LAYERS)}|standin)/",
-                         entry["file"])]
-    lane.check("clang-tidy", ["xargs", "-a", write_list(lane, sorted(set(units))), "-n", "8", "-P", str(os.cpu_count()),
-                              "clang-tidy", "--quiet", "--extra-arg=-Wno-unknown-warning-option", "-p", NATIVE], timeout=1500)
-
-
-def write_list(lane, names):
-    path = LOGS / f"{lane.name}.files"
-    path.write_text("".join(f"{name}\n" for name in names))
-    return path
+    tidy.check(lane, NATIVE, re.compile(rf"({'|'.join(LAYERS)}|standin)/"))
 
 
 def lane_unit(lane):
     """Unit tests and wire cases on Linux, with AddressSanitizer and UndefinedBehaviorSanitizer."""
-    lane.build("asan")
     with standin(lane) as environment:
         environment["ASAN_OPTIONS"] = "detect_leaks=1:strict_string_checks=1"
         lane.googletest("unit", [ASAN / "bin/velandoc_tests"], env=environment, timeout=900)
@@ -282,45 +214,37 @@ def lane_unit(lane):
 
 def lane_threads(lane):
     """What objects allow to other threads on Linux, with ThreadSanitizer."""
-    lane.build("tsan", "velandoc_thread_tests")
     lane.googletest("threads", [BUILD / "tsan/bin/velandoc_thread_tests"], timeout=300)
 
 
 def lane_wine(lane):
     """The same unit tests and wire cases, built for Windows, under Wine."""
-    wine_prefix(lane)
-    with standin(lane) as environment:
+    with wine_prefix(lane), standin(lane) as environment:
         lane.googletest("wine", [TOP / "tools/wine", "build/windows/bin/velandoc_tests.exe"], env=environment,
                         timeout=1200)
 
 
 def lane_registration(lane):
     """regsvr32 in its forms under Wine, and what it leaves in the registry."""
-    wine_prefix(lane)
     lane.checklist("registration", [PYTHON, "-B", TOP / "tests/wine/registration_test.py", "--dll",
                                     WINDOWS / "bin/velandoc.dll"], timeout=900)
 
 
 def lane_module(lane):
     """The library in both homes: exports, needs, a thousand loads, satellites, use without registration."""
-    lane.build("native")
-    wine_prefix(lane)
-    lane.unittest("module", [PYTHON, "-B", TOP / "tests/module/module_test.py", "--native", NATIVE, "--windows",
-                             WINDOWS, "--wine", TOP / "tools/wine"], timeout=1200)
+    with wine_prefix(lane):
+        lane.unittest("module", [PYTHON, "-B", TOP / "tests/module/module_test.py", "--native", NATIVE, "--windows",
+                                 WINDOWS, "--wine", TOP / "tools/wine"], timeout=1200)
 
 
 def lane_standin(lane):
     """The stand-in server itself."""
-    lane.build("native", "velandoc-standin")
-    certificates(lane)
     lane.unittest("stand-in", [PYTHON, "-B", TOP / "tests/standin/standin_test.py", "--binary",
                                NATIVE / "bin/velandoc-standin"], timeout=600)
 
 
 def lane_cli(lane):
     """The command and the script host on Linux: output, exit codes, prompts on a pseudo-terminal."""
-    lane.build("native")
-    certificates(lane)
     lane.unittest("cli", [PYTHON, "-B", TOP / "tests/cli/cli_test.py", "--binary", NATIVE / "bin/velandoc",
                           "--standin", NATIVE / "bin/velandoc-standin"], timeout=900)
 
@@ -328,27 +252,20 @@ def lane_cli(lane):
 def lane_dialog(lane):
     """The dialog in a real window: keys, mouse, pages that misbehave, and edits up to the server's changed row."""
     module = NATIVE / "lib/libvelandoc-dialog.so"
-    if (NATIVE / "build.ninja").exists() and module.name not in (NATIVE / "build.ninja").read_text():
-        # What the module needs may have been installed after the folder was made.
-        lane.run(["cmake", "--preset", "native"], timeout=300)
-    lane.build("native")
     if not module.exists():
         raise LaneFailure("the dialog's module was not built: tools/setup test installs what it needs")
-    certificates(lane)
     lane.unittest("dialog", [PYTHON, "-B", TOP / "tests/dialog/dialog_test.py", "--binaries", NATIVE / "bin"],
                   timeout=1500)
 
 
 def lane_scripts(lane):
     """Script cases in both homes against one stand-in: equal output, equal requests."""
-    lane.build("native")
-    wine_prefix(lane)
-    lane.unittest("scripts", [PYTHON, "-B", TOP / "tests/scripts/compare.py"], timeout=900)
+    with wine_prefix(lane):
+        lane.unittest("scripts", [PYTHON, "-B", TOP / "tests/scripts/compare.py"], timeout=900)
 
 
 def lane_memory(lane):
     """What transfers of many gigabytes take of memory; VELANDOC_MEMORY_GB=10 for all of a long download."""
-    lane.build("native", "velandoc", "hdfs_transfer")
     with standin(lane) as environment:
         port = re.search(r"http=(\d+)", environment["VELANDOC_STANDIN"])[1]
         lane.unittest("memory", [PYTHON, "-B", TOP / "tests/memory/memory_test.py", "--binary",
@@ -357,7 +274,6 @@ def lane_memory(lane):
 
 def lane_fuzz(lane):
     """Each fuzz target over its corpus and then a fixed number of runs from a fixed seed."""
-    lane.build("fuzz", "fuzz_targets")
     targets = sorted((FUZZ / "bin").glob("*_fuzz"))
     if not targets:
         raise LaneFailure("no fuzz target was built")
@@ -379,10 +295,9 @@ def lane_hadoop(lane):
         return
     if code:
         raise LaneFailure(f"the cluster cannot be prepared\n{tail(output, 30)}")
-    lane.build("native", "velandoc", "velandoc_command", "velandoc_script")
-    wine_prefix(lane, "velandoc", "velandoc_command", "trust_ca")
-    lane.unittest("hadoop", [PYTHON, "-B", TOP / "tests/hadoop/hadoop_test.py"], timeout=900)
-    code, output = lane.run([TOP / "run", "--hadoop"], timeout=300)
+    with wine_prefix(lane):
+        lane.unittest("hadoop", [PYTHON, "-B", TOP / "tests/hadoop/hadoop_test.py"], timeout=900)
+        code, output = lane.run([TOP / "run", "--hadoop"], timeout=300)
     lane.add("./run --hadoop ends well", "passed" if code == 0 else "failed", tail(output, 30))
     check_hdfs_job(lane, output)
 
@@ -399,10 +314,6 @@ def check_hdfs_job(lane, output):
 
 def lane_packages(lane):
     """The packages: built, installed in a clean Debian and under Wine, used, upgraded, removed."""
-    lane.build("native", "velandoc-standin")
-    code, output = lane.run([TOP / "package"], timeout=2400)
-    if code:
-        raise LaneFailure(f"./package failed\n{tail(output, 30)}")
     lane.add("./package ends well", "passed")
     packages = ["--packages", BUILD / "packages", "--standin", NATIVE / "bin/velandoc-standin"]
     lane.checklist("Windows", [PYTHON, "-B", TOP / "tests/packages/windows_test.py", *packages, "--work",
@@ -413,7 +324,8 @@ def lane_packages(lane):
 
 def lane_demo(lane):
     """./run, the README's first command, and what it must print."""
-    check_demo(lane, [TOP / "run"])
+    with wine_prefix(lane):
+        check_demo(lane, [TOP / "run"])
 
 
 def check_demo(lane, command):
@@ -440,7 +352,6 @@ def lane_debian(lane):
     except debian_tree.NotPossible as reason:
         lane.add("the other Debian", "skipped", str(reason))
         return
-    certificates(lane)
     # The builds lie in the tree, and go with it when it is made anew. The authority is the one of the server out here.
     tree = debian_tree.Tree(folder, [(TOP, TOP, False), (folder / "builds", BUILD, True), (LOGS, LOGS, True),
                                      (CERTIFICATES, CERTIFICATES, True)], TOP)
@@ -471,68 +382,78 @@ def lane_debian(lane):
     check_demo(lane, tree.command("./run"))
 
 
+# The groups of tools/setup that lanes have in common.
+LINUX = ("linux", "tests")
+BOTH = (*LINUX, "windows")
+
+# Started in this order, once their builds are there.
 LANES = {
-    "style": lane_style,
-    "standin": lane_standin,
-    "unit": lane_unit,
-    "threads": lane_threads,
-    "cli": lane_cli,
-    "wine": lane_wine,
-    "registration": lane_registration,
-    "dialog": lane_dialog,
-    "module": lane_module,
-    "scripts": lane_scripts,
-    "memory": lane_memory,
-    "fuzz": lane_fuzz,
-    "hadoop": lane_hadoop,
-    "packages": lane_packages,
-    "debian": lane_debian,
-    "demo": lane_demo,
+    "debian": LanePlan(lane_debian, (*LINUX, "tree"), ("certificates", "stand-in"), nice=True),
+    "standin": LanePlan(lane_standin, LINUX, ("certificates", "stand-in")),
+    "hadoop": LanePlan(lane_hadoop, (*BOTH, "hadoop"), ("certificates", "linux", "windows", "stand-in"), turn="./run"),
+    "cli": LanePlan(lane_cli, (*LINUX, "dialog", "display"), ("certificates", "stand-in", "linux-all")),
+    "dialog": LanePlan(lane_dialog, (*LINUX, "dialog", "display"), ("certificates", "stand-in", "linux-all")),
+    "memory": LanePlan(lane_memory, LINUX, ("certificates", "stand-in", "linux")),
+    "style": LanePlan(lane_style, (*BOTH, "dialog", "style"), ("linux-all", "headers"), nice=True),
+    "packages": LanePlan(lane_packages, (*BOTH, "dialog", "package", "tree"),
+                         ("certificates", "stand-in", "packages")),
+    "demo": LanePlan(lane_demo, BOTH, ("certificates", "stand-in", "linux", "windows"), turn="./run"),
+    "registration": LanePlan(lane_registration, BOTH, ("windows-all",)),
+    "wine": LanePlan(lane_wine, BOTH, ("certificates", "stand-in", "windows-all")),
+    "module": LanePlan(lane_module, BOTH, ("certificates", "linux-all", "windows-all")),
+    "scripts": LanePlan(lane_scripts, BOTH, ("certificates", "linux-all", "windows-all")),
+    "fuzz": LanePlan(lane_fuzz, (*LINUX, "fuzz"), ("fuzz",), nice=True),
+    "unit": LanePlan(lane_unit, LINUX, ("certificates", "stand-in", "unit")),
+    "threads": LanePlan(lane_threads, LINUX, ("threads",)),
 }
+
+
+def say(lane, line):
+    """What came of a lane, when it ends. Several run at once: its name stands in the line that opens it."""
+    print(f"== {line}", flush=True)
+    for state in ("failed", "skipped"):
+        for case, _, detail in (result for result in lane.results if result[1] == state):
+            print(f"   {state.upper()} {case}\n      " + "\n      ".join(detail.splitlines()), flush=True)
 
 
 def main():
     parser = argparse.ArgumentParser(prog="./test", description=__doc__.splitlines()[0])
     parser.add_argument("lanes", nargs="*", metavar="LANE")
     parser.add_argument("--list", action="store_true", help="name the lanes and end")
+    parser.add_argument("--packages", action="store_true", help="name the groups of tools/setup that they need and end")
     arguments = parser.parse_args()
     if arguments.list:
-        for name, function in LANES.items():
-            print(f"{name:14}{function.__doc__}")
+        for name, plan in LANES.items():
+            print(f"{name:14}{plan.run.__doc__}")
         return 0
     unknown = [name for name in arguments.lanes if name not in LANES]
     if unknown:
         print(f"./test: no lane named {', '.join(unknown)}; ./test --list names them", file=sys.stderr)
         return 2
+    plans = {name: plan for name, plan in LANES.items() if name in arguments.lanes or not arguments.lanes}
+    if arguments.packages:
+        print(*dict.fromkeys(group for plan in plans.values() for group in plan.packages))
+        return 0
 
-    totals = {"passed": 0, "failed": 0, "skipped": 0}
-    summary = []
-    for name in arguments.lanes or LANES:
-        started = time.monotonic()
-        print(f"== {name}: {LANES[name].__doc__}", flush=True)
-        lane = Lane(name)
-        try:
-            LANES[name](lane)
-            if not lane.results:
-                raise LaneFailure("the lane tested nothing")
-        except LaneFailure as failure:
-            lane.add(name, "failed", str(failure))
-        counts = {state: sum(1 for result in lane.results if result[1] == state) for state in totals}
-        for state, count in counts.items():
-            totals[state] += count
-        for case, state, detail in lane.results:
-            if state == "failed":
-                print(f"   FAILED {case}\n      " + "\n      ".join(detail.splitlines()), flush=True)
-        for case, state, detail in lane.results:
-            if state == "skipped":
-                print(f"   SKIPPED {case}: {detail}", flush=True)
-        summary.append(f"{name:14}{counts['passed']:6} passed{counts['failed']:6} failed"
-                       f"{counts['skipped']:6} skipped   {time.monotonic() - started:6.0f} s")
-        print("   " + summary[-1], flush=True)
-    print("\nSummary")
-    for line in summary:
-        print("  " + line)
-    print(f"{totals['passed']} passed, {totals['failed']} failed, {totals['skipped']} skipped", flush=True)
+    started = time.monotonic()
+    schedule = Schedule(plans, BUILDS, say)
+    try:
+        schedule.run()
+    except KeyboardInterrupt:
+        end_all()
+        return 130
+    print("\nBuilds (at a low priority, beside the lanes)")
+    for name in schedule.builds:
+        print("  " + schedule.build_line(name))
+    print("Lanes")
+    for name in plans:
+        print("  " + schedule.line(name))
+    totals = {state: sum(lane.count(state) for lane, _ in schedule.lanes.values()) for state in STATES}
+    skipped = [name for name in plans if schedule.lanes[name][0].count("skipped")]
+    if skipped:
+        print(f"Not all could be tried here: {', '.join(skipped)}")
+    print(f"In {(time.monotonic() - started) / 60:.1f} minutes:")
+    print(", ".join(f"{count} {state}" for state, count in totals.items()), flush=True)
     return 1 if totals["failed"] else 0
 
 

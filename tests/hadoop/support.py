@@ -74,7 +74,8 @@ class Wine:
 
     def from_local(self, path):
         drive, rest = path[:2], path[2:].replace("\\", "/").lstrip("/")
-        root = pathlib.Path("/") if drive == "Z:" else cluster.TOP / "build/wine/drive_c"
+        prefix = pathlib.Path(os.environ.get("VELANDOC_WINE_PREFIX", cluster.TOP / "build/wine"))
+        root = pathlib.Path("/") if drive == "Z:" else prefix / "drive_c"
         return root / rest
 
     def program(self, *arguments):

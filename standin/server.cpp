@@ -32,7 +32,9 @@ void Server::Stop() {
   for (std::thread& acceptor : m_acceptors) acceptor.join();
   m_acceptors.clear();
   std::unique_lock lock(m_mutex);
-  for (const int socket : m_sockets) shutdown(socket, SHUT_RDWR);
+  // On the control port the answer to the command that stops the server may still be on its way.
+  for (const auto& [socket, port] : m_sockets)
+    shutdown(socket, port == Port::kControl ? SHUT_RD : SHUT_RDWR);
   m_changed.wait(lock, [this] { return m_connections == 0; });
 }
 
@@ -59,7 +61,7 @@ void Server::AcceptAll(Port port) {
       const std::lock_guard lock(m_mutex);
       number = port == Port::kControl ? 0 : ++m_lastNumber;
       ++m_connections;
-      m_sockets.insert(socket.Get());
+      m_sockets.emplace(socket.Get(), port);
     }
     std::thread([this, port, number, client = std::move(socket)]() mutable {
       Serve(std::move(client), port, number);

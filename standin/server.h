@@ -4,8 +4,8 @@
 #include <array>
 #include <condition_variable>
 #include <cstdint>
+#include <map>
 #include <mutex>
-#include <set>
 #include <thread>
 #include <vector>
 
@@ -43,7 +43,7 @@ class Server {
   std::vector<std::thread> m_acceptors;
   std::mutex m_mutex;
   std::condition_variable m_changed;
-  std::set<int> m_sockets;
+  std::map<int, Port> m_sockets;
   std::size_t m_connections = 0;
   std::uint64_t m_lastNumber = 0;
 };

@@ -12,6 +12,7 @@ import os
 import pathlib
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import time
@@ -435,13 +436,13 @@ def main():
         print(*dict.fromkeys(group for plan in plans.values() for group in plan.packages))
         return 0
 
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
     started = time.monotonic()
     schedule = Schedule(plans, BUILDS, say)
     try:
         schedule.run()
-    except KeyboardInterrupt:
-        end_all()
-        return 130
+    finally:
+        end_all()  # which leaves something only if ./test is interrupted
     print("\nBuilds (at a low priority, beside the lanes)")
     for name in schedule.builds:
         print("  " + schedule.build_line(name))

@@ -5,7 +5,6 @@ other. So two builds at once would win nothing, and a lane is hardly slower for 
 """
 
 import dataclasses
-import os
 import threading
 import time
 import traceback
@@ -14,8 +13,8 @@ from collections.abc import Callable
 from lane import Lane, LaneFailure, Programs
 
 STATES = ("passed", "failed", "skipped")
-# More than there are cores, because most lanes wait for most of their time.
-LANES_AT_ONCE = (os.cpu_count() or 1) + 1
+# Of the lanes that mostly wait, and of those that compute all the time (LanePlan.nice).
+LANES_AT_ONCE = {False: 2, True: 1}
 
 
 @dataclasses.dataclass(frozen=True)
@@ -51,7 +50,7 @@ class Schedule:
             while len(self.lanes) < len(self.plans):
                 running -= set(self.lanes)
                 for name in list(waiting):
-                    if len(running) < LANES_AT_ONCE and self._ready(name, running):
+                    if self._ready(name, running):
                         waiting.remove(name)
                         running.add(name)
                         threading.Thread(target=self._run_lane, args=(name,), daemon=True).start()
@@ -59,7 +58,9 @@ class Schedule:
 
     def _ready(self, name, running):
         plan = self.plans[name]
-        return (all(build in self.ended for build in plan.builds) and
+        alike = [other for other in running if self.plans[other].nice == plan.nice]
+        return (len(alike) < LANES_AT_ONCE[plan.nice] and
+                all(build in self.ended for build in plan.builds) and
                 not (plan.turn and any(self.plans[other].turn == plan.turn for other in running)))
 
     def _build(self):

@@ -85,6 +85,17 @@ void ConnectionPool::GiveBackEasy(CURL* easy) {
   m_idle.push_back(easy);
 }
 
+void ConnectionPool::Perform() {
+  int count = 0;
+  curl_multi_perform(m_multi, &count);
+  while (const CURLMsg* message = curl_multi_info_read(m_multi, &count)) {
+    if (message->msg != CURLMSG_DONE) continue;
+    for (EasyHandle* handle : m_joined) {
+      if (handle->m_easy == message->easy_handle) handle->m_result = message->data.result;
+    }
+  }
+}
+
 EasyHandle::EasyHandle(std::shared_ptr<ConnectionPool> pool)
     : m_pool(std::move(pool)), m_easy(m_pool->TakeEasy()) {}
 
@@ -94,13 +105,27 @@ EasyHandle::~EasyHandle() {
 }
 
 bool EasyHandle::Join() {
-  m_joined = curl_multi_add_handle(m_pool->Multi(), m_easy) == CURLM_OK;
-  return m_joined;
+  m_pool->m_joined.push_back(this);
+  m_joined = true;
+  if (curl_multi_add_handle(m_pool->m_multi, m_easy) == CURLM_OK) return true;
+  Leave();
+  return false;
 }
 
 void EasyHandle::Leave() {
-  if (m_joined) curl_multi_remove_handle(m_pool->Multi(), m_easy);
+  if (!m_joined) return;
+  curl_multi_remove_handle(m_pool->m_multi, m_easy);
+  std::erase(m_pool->m_joined, this);
   m_joined = false;
+}
+
+std::optional<CURLcode> EasyHandle::Perform() {
+  m_pool->Perform();
+  return std::exchange(m_result, std::nullopt);
+}
+
+void EasyHandle::Wait(std::chrono::milliseconds time) {
+  curl_multi_poll(m_pool->m_multi, nullptr, 0, static_cast<int>(time.count()), nullptr);
 }
 
 }  // namespace velandoc::http

@@ -9,12 +9,16 @@
 
 #include <curl/curl.h>
 
+#include <chrono>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "platform/posix/wininet_types.h"
 
 namespace velandoc::http {
+
+class EasyHandle;
 
 class ConnectionPool {
  public:
@@ -28,16 +32,18 @@ class ConnectionPool {
   /// Closes the calling thread's idle connections.
   static void ForgetThread();
 
-  CURLM* Multi() const { return m_multi; }
-
  private:
   friend class EasyHandle;
   CURL* TakeEasy();
   void GiveBackEasy(CURL* easy);
+  /// One round of all transfers that have joined; those that ended find their result noted.
+  void Perform();
 
   CURLM* m_multi;
   CURLSH* m_share;
   std::vector<CURL*> m_idle;
+  // libcurl has handles of its own in a multi handle; only those listed here are ours.
+  std::vector<EasyHandle*> m_joined;
 };
 
 /// An easy handle of a pool, with no options set but the shared session cache. It goes back to the
@@ -50,14 +56,20 @@ class EasyHandle {
   EasyHandle& operator=(const EasyHandle&) = delete;
 
   CURL* Get() const { return m_easy; }
-  CURLM* Multi() const { return m_pool->Multi(); }
   /// Starts and ends its part in the pool's multi handle; ending early closes the connection.
   bool Join();
   void Leave();
+  /// One round of the pool's transfers. Returns this transfer's result once, when it has ended, be
+  /// it in this round or in one that another transfer asked for.
+  std::optional<CURLcode> Perform();
+  /// Until a peer of the pool's transfers did something, or the time is over.
+  void Wait(std::chrono::milliseconds time);
 
  private:
+  friend class ConnectionPool;
   std::shared_ptr<ConnectionPool> m_pool;
   CURL* m_easy;
+  std::optional<CURLcode> m_result;
   bool m_joined = false;
 };
 

@@ -1,13 +1,12 @@
 #include "platform/posix/http/endpoint.h"
 
-#include <curl/curl.h>
-
 #include <algorithm>
 #include <charconv>
-#include <memory>
+#include <optional>
 #include <utility>
 
 #include "platform/code_page.h"
+#include "platform/posix/http/ascii_case.h"
 
 namespace velandoc::http {
 namespace {
@@ -73,21 +72,26 @@ std::string Convert(UINT codePage, WideView text) {
   return bytes;
 }
 
-struct FreeUrl {
-  void operator()(CURLU* url) const { curl_url_cleanup(url); }
-};
-struct FreeText {
-  void operator()(char* text) const { curl_free(text); }
-};
-
-std::string Part(CURLU* url, CURLUPart part, unsigned flags = 0) {
-  char* text = nullptr;
-  if (curl_url_get(url, part, &text, flags) != CURLUE_OK) return {};
-  const std::unique_ptr<char, FreeText> owner(text);
-  return text;
-}
-
 unsigned DefaultPort(bool secure) { return secure ? 443 : 80; }
+
+/// The server of "host", "host:port" or "user:password@host:port"; none if that is no authority.
+std::optional<Endpoint> ReadAuthority(std::string_view text, bool secure) {
+  if (const std::size_t at = text.rfind('@'); at != std::string_view::npos) {
+    text.remove_prefix(at + 1);
+  }
+  const bool bracketed = text.starts_with('[');
+  const std::size_t hostEnd = bracketed ? text.find(']') : 0;
+  const std::size_t colon = text.find(':', std::min(hostEnd, text.size()));
+  Endpoint server{secure, std::string(text.substr(0, colon)), DefaultPort(secure)};
+  if (!IsUsableHost(server.host)) return std::nullopt;
+  const std::string_view port = colon == std::string_view::npos ? "" : text.substr(colon + 1);
+  if (port.empty()) return server;
+  constexpr unsigned kLastPort = 65535;
+  const auto [end, error] = std::from_chars(port.data(), port.data() + port.size(), server.port);
+  const bool isPort = error == std::errc() && end == port.data() + port.size();
+  if (!isPort || server.port == 0 || server.port > kLastPort) return std::nullopt;
+  return server;
+}
 
 }  // namespace
 
@@ -141,30 +145,40 @@ std::string EscapedTarget(WideView objectName) {
   return target;
 }
 
+// Written out here, because each release of libcurl reads a faulty Location in its own way.
 bool FollowLocation(const std::string& location, Endpoint& endpoint, std::string& target) {
-  const std::unique_ptr<CURLU, FreeUrl> url(curl_url());
-  if (!url) return false;
-  const std::string base = Origin(endpoint) + target;
-  // CURLU_URLENCODE escapes blanks and bytes above 126 of the Location; what is escaped already
-  // stays.
-  constexpr unsigned kFlags = CURLU_PATH_AS_IS | CURLU_URLENCODE | CURLU_NON_SUPPORT_SCHEME;
-  if (curl_url_set(url.get(), CURLUPART_URL, base.c_str(), kFlags) != CURLUE_OK ||
-      curl_url_set(url.get(), CURLUPART_URL, location.c_str(), kFlags) != CURLUE_OK) {
-    return false;
+  std::string_view rest = std::string_view(location).substr(0, location.find('#'));
+  bool secure = endpoint.secure;
+  if (const std::size_t end = rest.find_first_of(":/?");
+      end != std::string_view::npos && rest[end] == ':') {
+    secure = EqualNoCase(rest.substr(0, end), "https");
+    if (!secure && !EqualNoCase(rest.substr(0, end), "http")) return false;
+    rest.remove_prefix(end + 1);
+    if (!rest.starts_with("//")) return false;
   }
-  const std::string scheme = Part(url.get(), CURLUPART_SCHEME);
-  Endpoint next;
-  next.secure = scheme == "https";
-  if (!next.secure && scheme != "http") return false;
-  next.host = Part(url.get(), CURLUPART_HOST);
-  if (!IsUsableHost(next.host)) return false;
-  const std::string port = Part(url.get(), CURLUPART_PORT, CURLU_DEFAULT_PORT);
-  std::from_chars(port.data(), port.data() + port.size(), next.port);
-  std::string path = Part(url.get(), CURLUPART_PATH);
-  if (path.empty()) path += '/';
-  const std::string query = Part(url.get(), CURLUPART_QUERY);
-  endpoint = next;
-  if (!query.empty()) path.append("?").append(query);
+  std::optional<Endpoint> server = endpoint;
+  const bool hasServer = rest.starts_with("//");
+  if (hasServer) {
+    rest.remove_prefix(2);
+    const std::size_t end = std::min(rest.find_first_of("/?"), rest.size());
+    server = ReadAuthority(rest.substr(0, end), secure);
+    if (!server) return false;
+    rest.remove_prefix(end);
+  }
+  const std::size_t split = std::min(rest.find('?'), rest.size());
+  const std::string_view oldPath = std::string_view(target).substr(0, target.find('?'));
+  std::string path;
+  if (hasServer || rest.starts_with('/')) {
+    AppendPath(path, rest.substr(0, split), true);
+    if (path.empty()) path += '/';
+  } else {
+    // A query alone stays at the object; a relative path begins at its folder.
+    path = split == 0 ? oldPath : oldPath.substr(0, oldPath.rfind('/') + 1);
+    AppendPath(path, rest.substr(0, split), true);
+  }
+  path = WithoutDotSegments(path);
+  AppendPath(path, rest.substr(split), true);
+  endpoint = *std::move(server);
   target = std::move(path);
   return true;
 }

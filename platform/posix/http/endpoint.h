@@ -37,9 +37,11 @@ std::string RequestTarget(WideView objectName);
 /// alike become percent-escaped UTF-8, in upper-case hexadecimal.
 std::string EscapedTarget(WideView objectName);
 
-/// A redirect's way: `location` as the server wrote it, absolute or relative to `target` on
-/// `endpoint`. A fragment is dropped. False for other schemes than http and https or text that is
-/// no URL; then nothing is changed.
+/// Resolves a redirect: `location` as the server wrote it, absolute or relative to `target` on
+/// `endpoint`. User name, password and fragment are dropped, "." and ".." segments are resolved, and
+/// blanks, control characters and bytes beyond ASCII are escaped; escapes that are there stay.
+/// Returns false and changes nothing if the scheme is neither http nor https, or if the host or the
+/// port cannot be used.
 bool FollowLocation(const std::string& location, Endpoint& endpoint, std::string& target);
 
 /// UTF-16 to UTF-8 and to bytes of the code page (1252), and back.

@@ -131,6 +131,24 @@ TEST(WinInetWire, StreamsABodyOfDeclaredLength) {
                      peer));
 }
 
+// What lies below the handles is used again; nothing of an upload is left in it.
+TEST(WinInetWire, SendsTheSameBytesAfterAnUpload) {
+  for (const WireCase& wire : kWireCases) {
+    SCOPED_TRACE(wire.name);
+    ScriptedPeer peer(Answering(Answer("200 OK", "", "ok")));
+    Exchange upload("127.0.0.1", peer.Port(), OLESTR("PUT"), OLESTR("/up"));
+    ASSERT_EQ(upload.Begin(2), 0U);
+    EXPECT_EQ(upload.Write("ab"), 0U);
+    ASSERT_EQ(upload.End(), 0U);
+    EXPECT_EQ(upload.ReadAll(), "ok");
+    Exchange exchange("127.0.0.1", peer.Port(), wire.verb, wire.objectName, wire.flags);
+    ASSERT_EQ(exchange.Send(wire.headers, wire.body), 0U);
+    EXPECT_EQ(exchange.ReadAll(), "ok");
+    const bool differs = kIsWindows && *wire.windows != '\0';
+    EXPECT_EQ(peer.LastRequest(), WithHost(differs ? wire.windows : wire.request, peer));
+  }
+}
+
 TEST(WinInetWire, SendsAgainOnOneHandle) {
   ScriptedPeer peer(Answering(Answer("200 OK", "", "ok")));
   Exchange exchange("127.0.0.1", peer.Port(), OLESTR("POST"), OLESTR("/r"));

@@ -173,7 +173,17 @@ TEST(Endpoint, FollowsLocations) {
         Case{"https://b.test", true, "b.test", 443, "/"},
         Case{"HTTP://b.test:8080/a b#f", false, "b.test", 8080, "/a%20b"},
         Case{"http://u:p@b.test/", false, "b.test", 80, "/"},
-        Case{"http://b.test/a%2db//c?_=%7B", false, "b.test", 80, "/a%2db//c?_=%7B"}}) {
+        Case{"http://b.test/a%2db//c?_=%7B", false, "b.test", 80, "/a%2db//c?_=%7B"},
+        Case{"http://b.test?q=a/../b c", false, "b.test", 80, "/?q=a/../b%20c"},
+        Case{"https://b.test:/x", true, "b.test", 443, "/x"},
+        Case{"https://b.test:65535", true, "b.test", 65535, "/"},
+        Case{"http://[::1]:99/x", false, "[::1]", 99, "/x"},
+        Case{"http://[::1]", false, "[::1]", 80, "/"},
+        Case{"http://b.test/\xC3\xA9\t?\xC3\xA9", false, "b.test", 80, "/%c3%a9%09?%c3%a9"},
+        Case{"/a/../final/./x", false, "a.test", 81, "/final/x"},
+        Case{"../up", false, "a.test", 81, "/up"}, Case{"./z?", false, "a.test", 81, "/dir/z?"},
+        Case{"#part", false, "a.test", 81, "/dir/page"},
+        Case{"a/b:c", false, "a.test", 81, "/dir/a/b:c"}}) {
     SCOPED_TRACE(row.location);
     Endpoint endpoint{false, "a.test", 81};
     std::string target = "/dir/page?old";
@@ -181,7 +191,10 @@ TEST(Endpoint, FollowsLocations) {
     EXPECT_EQ(endpoint, (Endpoint{row.secure, row.host, row.port}));
     EXPECT_EQ(target, row.target);
   }
-  for (const char* location : {"ftp://x/", "hdfs://x:1/y", "http://", "mailto:x"}) {
+  for (const char* location :
+       {"ftp://x/", "hdfs://x:1/y", "http://", "mailto:x", "http:/x", "https:x", "//", "http:///x",
+        "http://a b/", "http://b.test:0/", "http://b.test:65536/", "http://b.test:8x/",
+        "http://b.test:-1/", "http://[::1/", "http://[::1]x/", "http://u@/", "a:b"}) {
     SCOPED_TRACE(location);
     Endpoint endpoint{false, "a.test", 81};
     std::string target = "/t";

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform/posix/http/connection_pool.h"
@@ -168,6 +169,18 @@ TEST_F(WinInetTls, SharesOneHandshake) {
     EXPECT_EQ(exchange.ReadAll().size(), 5U);
   }
   EXPECT_LE(Server().Stats().tls - before, 1U);
+}
+
+// libcurl closes a TLS connection with a handle of its own, which it may name to callbacks.
+TEST_F(WinInetTls, AThreadsEndClosesItsConnections) {
+  constexpr int kThreads = 40;
+  for (int i = 0; i < kThreads; ++i) {
+    std::thread([this] {
+      Exchange exchange("localhost", Port(), OLESTR("GET"), OLESTR("/bytes/3"), kSecureFlags);
+      EXPECT_EQ(exchange.Send(), 0U);
+      EXPECT_EQ(exchange.ReadAll().size(), 3U);
+    }).join();
+  }
 }
 
 TEST_F(WinInetTls, PlainHttpOnASecurePortFails) {

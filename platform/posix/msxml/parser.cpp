@@ -247,8 +247,8 @@ ParserOwner MakeParser(const Utf8Text& text, State& state) {
   parser->sax->serror = OnError;
   // HUGE lifts libxml2's limit of 10 MB to one text; the limits that it lifts besides are set anew
   // above.
-  xmlCtxtUseOptions(parser.get(),
-                    XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC | XML_PARSE_COMPACT);
+  // Not COMPACT: a tree read with it must not be changed.
+  xmlCtxtUseOptions(parser.get(), XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC);
   // No table of xml:id attributes: nobody asks for it.
   parser->loadsubset |= XML_SKIP_IDS;
 

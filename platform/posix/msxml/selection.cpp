@@ -51,6 +51,16 @@ class SilencedMessages {
   void* m_context;
 };
 
+/// Null if the query is no expression or fails.
+XPathObjectOwner Evaluate(xmlXPathContext* xpath, xmlNode* context, const std::string& query) {
+  const XPathExpressionOwner expression(xmlXPathCtxtCompile(xpath, XmlText(query)));
+  if (!expression) return nullptr;
+  xpath->node = context;
+  XPathObjectOwner result(xmlXPathCompiledEval(expression.get(), xpath));
+  xpath->node = nullptr;
+  return result;
+}
+
 void SkipBlanks(std::string_view& text) {
   while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
 }
@@ -61,18 +71,19 @@ HRESULT Select(Tree& tree, xmlNode* context, const std::string& query,
                std::vector<xmlNode*>& found) {
   const SilencedMessages silenced;
   xmlXPathContext* const xpath = tree.XPathContext();
-  const XPathExpressionOwner expression(xmlXPathCtxtCompile(xpath, XmlText(query)));
-  if (!expression) return E_FAIL;
-  xpath->node = context;
-  const XPathObjectOwner result(xmlXPathCompiledEval(expression.get(), xpath));
-  xpath->node = nullptr;
+  const XPathObjectOwner result = Evaluate(xpath, context, query);
   if (!result) {
-    if (xpath->lastError.code == XML_ERR_NO_MEMORY) throw std::bad_alloc();
+    const bool isOutOfMemory = xpath->lastError.code == XML_ERR_NO_MEMORY;
+    // libxml2 does not say that a context can be used after a query that failed in it.
+    tree.DropXPathContext();
+    if (isOutOfMemory) throw std::bad_alloc();
     return E_FAIL;
   }
   if (result->type != XPATH_NODESET) return E_FAIL;
-  const xmlNodeSet* const nodes = result->nodesetval;
+  xmlNodeSet* const nodes = result->nodesetval;
   if (nodes == nullptr) return S_OK;
+  // A set has no particular order until it is sorted.
+  xmlXPathNodeSetSort(nodes);
   found.reserve(static_cast<std::size_t>(nodes->nodeNr));
   for (int i = 0; i < nodes->nodeNr; ++i) {
     // XPath's namespace nodes are copies that die with the result; the DOM has no such nodes.

@@ -112,12 +112,15 @@ void Tree::KeepNamespace(xmlNs* declaration) {
 
 void Tree::SetSelectionNamespaces(const SelectionNamespaces* namespaces) {
   m_selectionNamespaces = namespaces;
-  m_xpath.reset();
+  DropXPathContext();
 }
 
 xmlXPathContext* Tree::XPathContext() {
   if (m_xpath) return m_xpath.get();
-  XPathContextLease context = LeaseXPathContext(Doc());
+  XPathContextOwner context(xmlXPathNewContext(Doc()));
+  if (!context) throw std::bad_alloc();
+  // The type of the second parameter gains a "const" in newer releases of libxml2.
+  context->error = [](void*, auto*) {};
   if (m_selectionNamespaces != nullptr) {
     for (const auto& [prefix, uri] : *m_selectionNamespaces) {
       // XPath 1.0 has no default namespace: names without a prefix stay in none.

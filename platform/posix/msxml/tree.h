@@ -15,7 +15,6 @@
 
 #include "platform/posix/msxml/msxml.h"
 #include "platform/posix/msxml/xml_owners.h"
-#include "platform/posix/msxml/xpath_context.h"
 
 namespace velandoc::dom {
 
@@ -61,8 +60,10 @@ class Tree {
 
   /// The namespaces of XPath; takes effect with the next query.
   void SetSelectionNamespaces(const SelectionNamespaces* namespaces);
-  /// Made when it is first asked for. Raises std::bad_alloc.
+  /// Made when it is first asked for; it reports no errors but by results. Raises std::bad_alloc.
   xmlXPathContext* XPathContext();
+  /// The next query gets a new context.
+  void DropXPathContext() { m_xpath.reset(); }
 
   /// Lists of found nodes point at nodes that have no objects: while there is one, no node is
   /// freed.
@@ -82,7 +83,7 @@ class Tree {
   std::unordered_set<xmlNode*> m_orphans;
   xmlNs* m_keptNamespaces = nullptr;
   const SelectionNamespaces* m_selectionNamespaces = nullptr;
-  XPathContextLease m_xpath;
+  XPathContextOwner m_xpath;
 };
 
 /// One use of a tree.

@@ -21,6 +21,7 @@ struct XmlDeleter {
 };
 
 using XmlDocOwner = std::unique_ptr<xmlDoc, XmlDeleter<xmlFreeDoc>>;
+using XPathContextOwner = std::unique_ptr<xmlXPathContext, XmlDeleter<xmlXPathFreeContext>>;
 using XPathExpressionOwner = std::unique_ptr<xmlXPathCompExpr, XmlDeleter<xmlXPathFreeCompExpr>>;
 using XPathObjectOwner = std::unique_ptr<xmlXPathObject, XmlDeleter<xmlXPathFreeObject>>;
 

@@ -75,6 +75,13 @@ TEST_F(DomTest, AFailedQuerySpoilsNoOther) {
     EXPECT_EQ(SelectOne(document, OLESTR("//Field[")), E_FAIL);
     EXPECT_EQ(SelectOne(document, OLESTR("//*[local-name()='Field']")), S_OK);
   }
+  // A query that fails in the midst of its evaluation, more often than evaluations may be nested.
+  const DocumentPtr document = NewDocument();
+  ASSERT_TRUE(Load(document, Wide(kAnswer)));
+  for (int i = 0; i < 6000; ++i) {
+    ASSERT_EQ(SelectOne(document, OLESTR("//*[1 + (1 + (1 + $none))]")), E_FAIL);
+  }
+  EXPECT_EQ(SelectOne(document, OLESTR("//*[local-name()='Field']")), S_OK);
 }
 
 TEST_F(DomTest, BadNamespacesFail) {
@@ -115,17 +122,19 @@ TEST_F(DomTest, QueriesStartAtTheirNode) {
 
 TEST_F(DomTest, FoundNodesAreInDocumentOrder) {
   ASSERT_TRUE(Load("<a><b/><c/><b/><c/></a>"));
-  const auto list = FindAll(Root(), OLESTR("//c | //b"));
-  std::string names;
-  for (LONG i = 0; i < Count(list); ++i) {
-    NodePtr node;
-    ASSERT_EQ(list->get_item(i, node.Receive()), S_OK);
-    names += Name(node);
+  for (const OLECHAR* query : {OLESTR("//c | //b"), OLESTR("/a/c[2] | /a/c[2]/preceding::*")}) {
+    const auto list = FindAll(Root(), query);
+    std::string names;
+    for (LONG i = 0; i < Count(list); ++i) {
+      NodePtr node;
+      ASSERT_EQ(list->get_item(i, node.Receive()), S_OK);
+      names += Name(node);
+    }
+    EXPECT_EQ(names, "bcbc") << Show(query);
+    NodePtr outside;
+    EXPECT_EQ(list->get_item(4, outside.Receive()), S_FALSE);
+    EXPECT_FALSE(outside);
   }
-  EXPECT_EQ(names, "bcbc");
-  NodePtr outside;
-  EXPECT_EQ(list->get_item(4, outside.Receive()), S_FALSE);
-  EXPECT_FALSE(outside);
 }
 
 TEST_F(DomTest, SelectionOfAnAnswerOfTheOldKind) {

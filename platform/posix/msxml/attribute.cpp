@@ -25,14 +25,14 @@ void Declaration::SetValue(const std::string& uri) {
     made->next = old->next;
     *link = made;
   }
-  old->_private = nullptr;
-  made->_private = static_cast<IXMLDOMNode*>(this);
+  SetObject(AsNode(old), nullptr);
+  SetObject(AsNode(made), static_cast<IXMLDOMNode*>(this));
   GetTree().KeepNamespace(old);
   Bind(GetTree(), AsNode(made));
 }
 
 Declaration* ObjectOf(xmlNs* declared) {
-  return static_cast<Declaration*>(static_cast<IXMLDOMNode*>(declared->_private));
+  return static_cast<Declaration*>(static_cast<IXMLDOMNode*>(HeldObject(AsNode(declared))));
 }
 
 void UnlinkDeclaration(Tree& tree, xmlNode* element, xmlNs* declared) {

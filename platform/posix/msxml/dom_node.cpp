@@ -85,7 +85,7 @@ HRESULT GiveNode(Tree& tree, xmlNode* node, IXMLDOMNode** out, xmlNode* owner) {
     (*out)->AddRef();
     return S_OK;
   }
-  if (void* object = ObjectSlot(node)) {
+  if (void* object = HeldObject(node)) {
     *out = static_cast<IXMLDOMNode*>(object);
     (*out)->AddRef();
     return S_OK;

@@ -7,6 +7,7 @@
 #include "platform/posix/msxml/dom_node.h"
 #include "platform/posix/msxml/guard.h"
 #include "platform/posix/msxml/node_factory.h"
+#include "platform/posix/msxml/node_slot.h"
 
 namespace velandoc::dom {
 namespace {
@@ -46,7 +47,7 @@ void Detach(Tree& tree, xmlNode* node) {
   } else {
     tree.AdoptOrphan(node);
   }
-  node->extra &= static_cast<unsigned short>(~kBlankBefore);
+  DropNote(node, kBlankBefore);
   tree.NoteChange();
 }
 
@@ -75,8 +76,7 @@ void ReplaceChildren(Tree& tree, xmlNode* parent, const std::string& text) {
     xmlUnlinkNode(child);
     tree.Discard(child);
   }
-  // An attribute has no such field.
-  if (parent->type == XML_ELEMENT_NODE) parent->extra &= static_cast<unsigned short>(~kBlankAtEnd);
+  DropNote(parent, kBlankAtEnd);
   if (made != nullptr) LinkNode(parent, made, nullptr);
   tree.NoteChange();
 }

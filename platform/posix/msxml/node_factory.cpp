@@ -8,6 +8,7 @@
 #include "platform/posix/msxml/attribute.h"
 #include "platform/posix/msxml/guard.h"
 #include "platform/posix/msxml/node_name.h"
+#include "platform/posix/msxml/node_slot.h"
 
 namespace velandoc::dom {
 namespace {
@@ -127,7 +128,7 @@ xmlNode* CopyOne(const xmlNode* node) {
       break;
   }
   CheckMemory(copy);
-  if (node->type != XML_ATTRIBUTE_NODE) copy->extra = node->extra;
+  CopyNotes(copy, node);
   return copy;
 }
 

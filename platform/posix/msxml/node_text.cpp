@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "platform/posix/msxml/node_slot.h"
 #include "platform/posix/msxml/text_encoding.h"
 
 namespace velandoc::dom {
@@ -19,14 +20,14 @@ class TextReader {
   void Read(xmlNode* root) {
     xmlNode* node = root;
     while (true) {
-      if (node != root && (node->extra & kBlankBefore) != 0) m_isBlankDue = true;
+      if (node != root && HasNote(node, kBlankBefore)) m_isBlankDue = true;
       if (IsText(node)) Append(View(node->content));
       if (IsParent(node) && node->children != nullptr) {
         node = node->children;
         continue;
       }
       while (true) {
-        if (node->type == XML_ELEMENT_NODE && (node->extra & kBlankAtEnd) != 0) m_isBlankDue = true;
+        if (node->type == XML_ELEMENT_NODE && HasNote(node, kBlankAtEnd)) m_isBlankDue = true;
         if (node == root) return;
         if (node->next != nullptr) break;
         node = node->parent;

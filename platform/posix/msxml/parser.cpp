@@ -8,6 +8,7 @@
 #include <new>
 
 #include "platform/posix/msxml/blank_filter.h"
+#include "platform/posix/msxml/node_slot.h"
 #include "platform/posix/msxml/start_tag_limit.h"
 #include "platform/posix/msxml/text_encoding.h"
 
@@ -131,7 +132,7 @@ void Run(void* context, Work work) {
 
 /// White space behind a start tag separates nothing: it is noted only where a node goes before.
 void NoteBlankBefore(xmlNode* node) {
-  if (node != nullptr && node->prev != nullptr) node->extra |= kBlankBefore;
+  if (node != nullptr && node->prev != nullptr) AddNote(node, kBlankBefore);
 }
 
 /// The value of xml:space among a start tag's attributes, which come as name, prefix, namespace,
@@ -171,7 +172,7 @@ void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, c
 void OnEndElement(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
   Run(context, [&](BlankFilter& blanks) {
     xmlNode* const element = static_cast<xmlParserCtxt*>(context)->node;
-    if (blanks.EndText() && element != nullptr) element->extra |= kBlankAtEnd;
+    if (blanks.EndText() && element != nullptr) AddNote(element, kBlankAtEnd);
     blanks.EndElement();
     xmlSAX2EndElementNs(context, name, prefix, uri);
   });

@@ -2,13 +2,15 @@
 
 #include <new>
 
+#include "platform/posix/msxml/node_slot.h"
+
 namespace velandoc::dom {
 namespace {
 
-bool HasObject(const xmlAttr* attribute) {
-  if (attribute->_private != nullptr) return true;
-  for (const xmlNode* value = attribute->children; value != nullptr; value = value->next) {
-    if (value->_private != nullptr) return true;
+bool HasObject(xmlAttr* attribute) {
+  if (HeldObject(AsNode(attribute)) != nullptr) return true;
+  for (xmlNode* value = attribute->children; value != nullptr; value = value->next) {
+    if (HeldObject(value) != nullptr) return true;
   }
   return false;
 }
@@ -17,14 +19,13 @@ bool HasObject(const xmlAttr* attribute) {
 bool IsHeld(xmlNode* root) {
   if (root->type == XML_ATTRIBUTE_NODE) return HasObject(AsAttribute(root));
   for (xmlNode* node = root; node != nullptr; node = NextInSubtree(node, root)) {
-    if (node->_private != nullptr) return true;
+    if (HeldObject(node) != nullptr) return true;
     if (node->type != XML_ELEMENT_NODE) continue;
-    for (const xmlAttr* attribute = node->properties; attribute != nullptr;
-         attribute = attribute->next) {
+    for (xmlAttr* attribute = node->properties; attribute != nullptr; attribute = attribute->next) {
       if (HasObject(attribute)) return true;
     }
-    for (const xmlNs* declared = node->nsDef; declared != nullptr; declared = declared->next) {
-      if (declared->_private != nullptr) return true;
+    for (xmlNs* declared = node->nsDef; declared != nullptr; declared = declared->next) {
+      if (HeldObject(AsNode(declared)) != nullptr) return true;
     }
   }
   return false;

@@ -57,15 +57,6 @@ inline xmlNode* NextInSubtree(xmlNode* node, const xmlNode* root) {
   return node == root ? nullptr : node->next;
 }
 
-/// Notes that the tree keeps in a node's `extra` field about white space that is not in it any
-/// more.
-enum BlankNote : unsigned short {
-  kBlankBefore = 1,  // white space was stripped between this node and the one before
-  kBlankAtEnd = 2,   // white space was stripped in front of this element's end tag
-  kSignificant =
-      4,  // this text was written with character references, and stays even if it is white space
-};
-
 inline bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 inline bool IsBlank(std::string_view text) {
   return text.find_first_not_of(" \t\n\r") == std::string_view::npos;

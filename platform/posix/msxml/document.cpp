@@ -1,5 +1,7 @@
 #include "platform/posix/msxml/document.h"
 
+#include <mutex>
+
 #include "platform/owners.h"
 #include "platform/posix/msxml/node_factory.h"
 #include "platform/posix/msxml/node_list.h"
@@ -18,6 +20,9 @@ namespace {
 constexpr LONG kReadyStateComplete = 4;
 
 XmlDocOwner EmptyDoc() {
+  // Must precede all other uses of libxml2 where threads share it. Each begins with a document.
+  static std::once_flag initialized;
+  std::call_once(initialized, [] { xmlInitParser(); });
   XmlDocOwner doc(xmlNewDoc(XmlText("1.0")));
   if (!doc) throw std::bad_alloc();
   return doc;

@@ -183,7 +183,11 @@ HRESULT DomNode::put_text(BSTR text) {
       return S_OK;
     }
     if (!CanHold(m_node, content)) return E_INVALIDARG;
-    xmlNodeSetContent(m_node, XmlText(content));
+    // xmlNodeSetContent is documented to read references in its text, xmlNodeAddContent to take raw
+    // text.
+    xmlNodeSetContent(m_node, XmlText(""));
+    xmlNodeAddContent(m_node, XmlText(content));
+    if (View(m_node->content) != content.c_str()) throw std::bad_alloc();
     return S_OK;
   });
 }

@@ -77,6 +77,20 @@ TEST_F(DomTest, PreservedWhiteSpaceIsNodes) {
   EXPECT_EQ(Text(Element()), "  ");
 }
 
+TEST_F(DomTest, TextPutIntoANodeIsRaw) {
+  constexpr WideView kRaw = OLESTR("a &amp; &#65; &none; <b> & c");
+  ASSERT_TRUE(Load("<r>x<![CDATA[y]]><!--z--><?p q?></r>"));
+  for (NodePtr node = Find(OLESTR("/r/node()")); node;) {
+    PutText(node, kRaw);
+    EXPECT_EQ(Text(node), Show(kRaw));
+    PutText(node, OLESTR(""));
+    EXPECT_EQ(Text(node), "");
+    NodePtr next;
+    ASSERT_TRUE(SUCCEEDED(node->get_nextSibling(next.Receive())));
+    node = std::move(next);
+  }
+}
+
 TEST_F(DomTest, TextCountsUnitsOfTheBstr) {
   ASSERT_TRUE(Load("<a>\xE9\xFC</a>"));
   Bstr text;

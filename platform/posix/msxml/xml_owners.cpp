@@ -12,8 +12,6 @@ void LinkNode(xmlNode* parent, xmlNode* node, xmlNode* before) {
 }
 
 bool KeepsWhiteSpace(const xmlNode* node) {
-  // The document makes the namespace of the prefix "xml" when it meets the first use of it.
-  if (node->doc == nullptr || node->doc->oldNs == nullptr) return false;
   for (; node != nullptr; node = node->parent) {
     if (node->type != XML_ELEMENT_NODE) continue;
     for (const xmlAttr* attribute = node->properties; attribute != nullptr;

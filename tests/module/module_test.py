@@ -9,9 +9,11 @@ import os
 import pathlib
 import re
 import shutil
+import socket
 import subprocess
 import sys
 import tempfile
+import threading
 import unittest
 
 HERE = pathlib.Path(__file__).resolve().parent
@@ -57,6 +59,30 @@ class Native(unittest.TestCase):
     def test_two_thousand_loads_leave_nothing(self):
         said = output_of(options.native / "bin/load_cycles", self.library, "2000")
         self.assertTrue(said.endswith("flat\n"), said)
+
+    def test_openssl_can_be_used_after_the_library_was_closed(self):
+        first = []
+
+        def serve(listener):
+            # A proxy that opens the tunnel and hangs up on the TLS handshake.
+            with listener.accept()[0] as connection:
+                listener.close()  # refuses a second try
+                connection.settimeout(60)
+                connection.recv(4096)
+                connection.sendall(b"HTTP/1.1 200 OK\r\n\r\n")
+                first.append(connection.recv(1))
+
+        with socket.create_server(("127.0.0.1", 0)) as listener:
+            listener.settimeout(60)
+            proxy = threading.Thread(target=serve, args=(listener,))
+            environment = dict(os.environ, https_proxy=f"http://127.0.0.1:{listener.getsockname()[1]}",
+                               no_proxy="", NO_PROXY="")
+            proxy.start()
+            said = output_of(options.native / "bin/unload_after_request", self.library,
+                             "https://docs.example.test/", env=environment)
+            proxy.join()
+        self.assertEqual(first, [b"\x16"], "no TLS handshake was begun")
+        self.assertEqual(said, "alive\n")
 
     def tree(self):
         """The script host with its libraries, and a German satellite, as if they were installed."""

@@ -5,6 +5,8 @@
 #include <new>
 #include <utility>
 
+#include "platform/posix/http/keep_loaded.h"
+
 namespace velandoc::http {
 namespace {
 
@@ -31,7 +33,10 @@ Pools& ThreadPools() {
 
 void InitialiseCurlOnce() {
   static std::once_flag once;
-  std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
+  std::call_once(once, [] {
+    KeepLibraryLoaded();
+    curl_global_init(CURL_GLOBAL_DEFAULT);
+  });
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <openssl/x509v3.h>
 
 #include <cstdlib>
+#include <new>
 
 #include "platform/posix/http/error_map.h"
 
@@ -108,9 +109,8 @@ int NoteProblem(int ok, X509_STORE_CTX* store) {
   return 1;
 }
 
-int Verify(X509_STORE_CTX* store, void*) {
-  CertificateCheck* check = CheckOf(store);
-  if (check == nullptr) return 0;
+/// False if the chain is not to be trusted. Raises std::bad_alloc.
+bool Judge(X509_STORE_CTX* store, CertificateCheck* check) {
   X509* certificate = X509_STORE_CTX_get0_cert(store);
   check->facts.subject = NameText(X509_get_subject_name(certificate));
   check->facts.issuer = NameText(X509_get_issuer_name(certificate));
@@ -125,17 +125,25 @@ int Verify(X509_STORE_CTX* store, void*) {
     // A dot behind the name is the root's and stands in no certificate.
     if (!host.empty() && host.back() == '.') host.pop_back();
     X509_VERIFY_PARAM_set_hostflags(rules, X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS);
-    if (X509_VERIFY_PARAM_set1_host(rules, host.c_str(), host.size()) != 1) return 0;
+    if (X509_VERIFY_PARAM_set1_host(rules, host.c_str(), host.size()) != 1) return false;
   }
   X509_STORE_CTX_set_verify_cb(store, &NoteProblem);
   // Not 1 although every problem was passed over: no judgement was possible at all.
   if (X509_verify_cert(store) != 1) check->hasOtherProblem = true;
-  if (check->FirstProblem() != ERROR_SUCCESS) {
-    X509_STORE_CTX_set_error(store, X509_V_ERR_APPLICATION_VERIFICATION);
-    return 0;
+  return check->FirstProblem() == ERROR_SUCCESS;
+}
+
+int Verify(X509_STORE_CTX* store, void*) {
+  CertificateCheck* check = CheckOf(store);
+  bool isTrusted = false;
+  try {
+    isTrusted = check != nullptr && Judge(store, check);
+  } catch (const std::bad_alloc&) {
+    // Must not pass through OpenSSL.
   }
-  X509_STORE_CTX_set_error(store, X509_V_OK);
-  return 1;
+  // libcurl asks for the result of the verification, too.
+  X509_STORE_CTX_set_error(store, isTrusted ? X509_V_OK : X509_V_ERR_APPLICATION_VERIFICATION);
+  return isTrusted ? 1 : 0;
 }
 
 /// There is no client certificate to give; that one was asked for explains a refusal later.
@@ -145,9 +153,14 @@ int NoteClientCertificate(SSL* ssl, X509**, EVP_PKEY**) {
   return 0;
 }
 
+/// libcurl calls this with a new context for each new connection, which may serve later requests,
+/// too. Its manual does not say whether that includes the connection to an https:// proxy; the
+/// check would then ask that proxy's certificate for the server's name, and refuse it.
 CURLcode SetUpContext(CURL*, void* context, void* check) {
   auto* ssl = static_cast<SSL_CTX*>(context);
-  auto owner = std::make_unique<CheckOwner>(*static_cast<CheckOwner*>(check));
+  std::unique_ptr<CheckOwner> owner(new (std::nothrow)
+                                        CheckOwner(*static_cast<CheckOwner*>(check)));
+  if (owner == nullptr) return CURLE_OUT_OF_MEMORY;
   if (SSL_CTX_set_ex_data(ssl, ExDataIndex(), owner.get()) != 1) return CURLE_OUT_OF_MEMORY;
   // The context owns it from here on.
   static_cast<void>(owner.release());

@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <iterator>
+#include <utility>
 
 #include "platform/posix/com/utf8.h"
 
@@ -14,10 +15,13 @@ constexpr char kPolicy[] =
     "default-src 'none'; script-src 'unsafe-inline'; style-src 'unsafe-inline'; "
     "form-action 'none'; base-uri 'none'";
 
-/// A port that nothing can listen on. WebKit knows no switch that turns the network off.
+/// A port that nothing can listen on. WebKit knows no switch that turns the network off, and does
+/// not promise that such a proxy is tried and fails: the lane `dialog` watches that nothing
+/// arrives.
 constexpr char kNoProxy[] = "socks5://0.0.0.0:0";
 
-/// What reaches for the network past the policy.
+/// What reaches for the network past the policy. The names of features are not part of WebKit's
+/// stable interface; one that a release does not know is passed over, and the proxy remains.
 constexpr const char* kFeaturesOff[] = {"LinkPreconnect", "LinkPreconnectEarlyHints",
                                         "LinkDNSPrefetch"};
 
@@ -128,7 +132,7 @@ ConfinedPage::ConfinedPage(PageEvents& events, const std::string& clicks)
 ConfinedPage::~ConfinedPage() {
   m_alert.reset();
   g_signal_handlers_disconnect_by_data(m_content.get(), this);
-  g_signal_handlers_disconnect_by_data(m_input.get(), this);
+  if (m_input) g_signal_handlers_disconnect_by_data(m_input.get(), this);
   g_signal_handlers_disconnect_by_data(m_view.get(), this);
   gtk_widget_destroy(Widget());
 }
@@ -146,8 +150,10 @@ void ConfinedPage::MakeView(const std::string& clicks) {
       g_object_new(WEBKIT_TYPE_WEB_VIEW, "web-context", m_context.get(), "settings", settings.get(),
                    "user-content-manager", m_content.get(), "default-content-security-policy",
                    kPolicy, nullptr))));
-  m_input.reset(WEBKIT_INPUT_METHOD_CONTEXT(
-      g_object_ref(webkit_web_view_get_input_method_context(m_view.get()))));
+  // A view may have none.
+  if (WebKitInputMethodContext* input = webkit_web_view_get_input_method_context(m_view.get())) {
+    m_input.reset(WEBKIT_INPUT_METHOD_CONTEXT(g_object_ref(input)));
+  }
 }
 
 void ConfinedPage::Connect() {
@@ -166,6 +172,7 @@ void ConfinedPage::Connect() {
   connect("print", &Refuse);
   g_signal_connect(m_content.get(), "script-message-received::velandoc", G_CALLBACK(&OnWatch),
                    this);
+  if (!m_input) return;
   const auto begin = +[](WebKitInputMethodContext*, gpointer page) {
     static_cast<ConfinedPage*>(page)->m_composing = true;
   };
@@ -241,10 +248,9 @@ gboolean ConfinedPage::OnDecidePolicy(WebKitWebView*, WebKitPolicyDecision* deci
 void ConfinedPage::OnLoadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer page) {
   auto& self = *static_cast<ConfinedPage*>(page);
   if (event == WEBKIT_LOAD_COMMITTED) self.m_loaded = true;
-  // Fires for a load that failed, too.
-  if (event == WEBKIT_LOAD_FINISHED && self.m_loaded && !self.m_loadFailed) {
-    self.m_events.OnPageLoaded();
-  }
+  // Comes after every load that failed, too, and so after each navigation that was refused.
+  if (event != WEBKIT_LOAD_FINISHED || !self.m_loaded || self.m_loadFailed) return;
+  if (!std::exchange(self.m_complete, true)) self.m_events.OnPageLoaded();
 }
 
 gboolean ConfinedPage::OnLoadFailed(WebKitWebView*, WebKitLoadEvent, char*, GError*,

@@ -23,7 +23,7 @@ namespace velandoc {
 
 class PageEvents {
  public:
-  /// The page is complete, and its functions can be called.
+  /// The page is complete, and its functions can be called. Once.
   virtual void OnPageLoaded() noexcept = 0;
   /// Enter in the page, behind everything that was typed before.
   virtual void OnPageEnter() noexcept = 0;
@@ -95,12 +95,13 @@ class ConfinedPage {
   GObjectPtr<WebKitWebContext> m_context;
   GObjectPtr<WebKitUserContentManager> m_content;
   GObjectPtr<WebKitWebView> m_view;
-  GObjectPtr<WebKitInputMethodContext> m_input;
+  GObjectPtr<WebKitInputMethodContext> m_input;  // null if the view has none
   std::string m_uri;  // empty before Load
   std::unique_ptr<AlertBox> m_alert;
   int m_calls = 0;
   bool m_loadFailed = false;
   bool m_loaded = false;
+  bool m_complete = false;  // and told
   bool m_composing = false;
   bool m_gone = false;
 };

@@ -16,8 +16,7 @@ struct FreeSsl {
 // What the name callback needs while the handshake runs.
 struct Choice {
   const Certificates& certificates;
-  std::optional<CertificateKind> forced;
-  const std::string& fallbackHost;
+  bool isForced;
 };
 
 // SSL_set_SSL_CTX takes over the certificate only; whom to ask for one has to be said again.
@@ -29,8 +28,7 @@ void Use(SSL* ssl, SSL_CTX* context) {
 int ChooseByName(SSL* ssl, int*, void*) {
   const auto* choice = static_cast<const Choice*>(SSL_get_app_data(ssl));
   const char* name = SSL_get_servername(ssl, TLSEXT_NAMETYPE_host_name);
-  const auto kind = choice->forced.value_or(KindOfHost(name ? name : choice->fallbackHost));
-  Use(ssl, choice->certificates.Context(kind));
+  if (name && !choice->isForced) Use(ssl, choice->certificates.Context(KindOfHost(name)));
   return SSL_TLSEXT_ERR_OK;
 }
 
@@ -92,14 +90,19 @@ class TlsChannel final : public Channel {
 }  // namespace
 
 TlsAcceptor::TlsAcceptor(const Certificates& certificates) : m_certificates(certificates) {
-  SSL_CTX_set_tlsext_servername_callback(certificates.Context(CertificateKind::kGood),
-                                         ChooseByName);
+  for (std::size_t i = 0; i < kCertificateKinds; ++i) {
+    SSL_CTX_set_tlsext_servername_callback(certificates.Context(static_cast<CertificateKind>(i)),
+                                           ChooseByName);
+  }
 }
 
 std::unique_ptr<Channel> TlsAcceptor::Accept(int socket, std::optional<CertificateKind> forced,
                                              const std::string& fallbackHost) const {
-  Choice choice{m_certificates, forced, fallbackHost};
-  std::unique_ptr<SSL, FreeSsl> ssl(SSL_new(m_certificates.Context(CertificateKind::kGood)));
+  Choice choice{m_certificates, forced.has_value()};
+  // The callback is promised for a client that names a host only, so the choice for the others
+  // stands from the start.
+  const CertificateKind kind = forced.value_or(KindOfHost(fallbackHost));
+  std::unique_ptr<SSL, FreeSsl> ssl(SSL_new(m_certificates.Context(kind)));
   if (!ssl || SSL_set_fd(ssl.get(), socket) != 1) return nullptr;
   SSL_set_app_data(ssl.get(), &choice);
   ERR_clear_error();

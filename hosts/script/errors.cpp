@@ -27,7 +27,8 @@ constexpr ErrorKind kErrorKinds[] = {
     {"URIError", DUK_ERR_URI_ERROR},
 };
 
-/// Without file and line of this source: the error's place is the script's.
+/// Without file and line of this source: the error's place is the script's. The manual knows only
+/// the macro over this function, which puts in the place of the call.
 void PushBareError(duk_context* ctx, duk_errcode_t code) {
   duk_push_error_object_raw(ctx, code, nullptr, 0, "%s", "");
 }
@@ -90,7 +91,9 @@ duk_ret_t AdaptEngineError(duk_context* ctx) {
     duk_get_prop_literal(ctx, 0, "message");
     duk_size_t length = 0;
     const char* text = duk_get_lstring_default(ctx, -1, &length, "", 0);
-    // As in "undefined not callable (property 'NoSuch' of [object Object])".
+    // As in "undefined not callable (property 'NoSuch' of [object Object])". Nothing but the
+    // wording tells this error from the other TypeErrors, and the engine promises no wording; the
+    // lane `scripts` fails with an engine that has another.
     if (std::string_view(text, length).starts_with("undefined not callable (property ")) {
       duk_dup(ctx, 0);
       duk_push_literal(ctx, "Object doesn't support this property or method");

@@ -167,7 +167,8 @@ void ScriptEngine::TellError(bool isSyntax) {
 /// Runs for each value thrown; keeps the place for those that do not know it.
 duk_ret_t ScriptEngine::NoteThrow(duk_context* ctx) {
   if (!duk_is_error(ctx, 0)) {
-    // Below this function the innermost that was compiled from a file.
+    // Below this function the innermost that was compiled from a file. The manual keeps the right
+    // to change what an entry tells; without "lineNumber" the error comes with line 0.
     for (duk_int_t level = -2;; --level) {
       duk_inspect_callstack_entry(ctx, level);
       if (!duk_is_object(ctx, -1)) break;

@@ -96,7 +96,7 @@ class ConfinedPage {
   GObjectPtr<WebKitUserContentManager> m_content;
   GObjectPtr<WebKitWebView> m_view;
   GObjectPtr<WebKitInputMethodContext> m_input;  // null if the view has none
-  std::string m_uri;  // empty before Load
+  std::string m_uri;                             // empty before Load
   std::unique_ptr<AlertBox> m_alert;
   int m_calls = 0;
   bool m_loadFailed = false;

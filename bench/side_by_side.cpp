@@ -55,6 +55,7 @@ void Compare(const char* name, double units, const char* unit, const std::functi
 void RunProgram(std::vector<std::string> arguments) {
   std::fflush(stdout);  // else the child has the text too
   const pid_t child = fork();
+  Require(child != -1, "no process for a program");
   if (child == 0) {
     std::vector<char*> pointers;
     for (std::string& argument : arguments) pointers.push_back(argument.data());
@@ -64,7 +65,7 @@ void RunProgram(std::vector<std::string> arguments) {
     _exit(127);
   }
   int status = 0;
-  waitpid(child, &status, 0);
+  Require(waitpid(child, &status, 0) == child, "a program's end is not known");
   Require(WIFEXITED(status) && WEXITSTATUS(status) == 0, "a program failed");
 }
 

@@ -57,6 +57,7 @@ class EditOnTheTerminal(DocCase):
         for name, value in expected.items():
             self.assertEqual(written[name], value, name)
 
+    @support.needs_terminal
     def test_on_a_terminal_what_is_required_is_insisted_on(self):
         fields = self.fields(MINUTES)
         self.assertTrue(any(field["missing"] for field in fields))

@@ -622,6 +622,7 @@ class BothStacks:
         self.assertEqual(self.stored("/b.txt"), b"up")
         self.assertEqual(self.hdfs("--base-url", "https://docs.example.test", "cat", "/a.txt"), "hello")
 
+    @support.needs_terminal
     def test_progress_on_a_terminal(self):
         self.write("file", "x" * 300000)
         self.environment["TERM"] = "xterm"

@@ -3,6 +3,7 @@
 import support
 
 
+@support.needs_terminal
 class Credentials(support.Case):
     URL = "http://docs.example.test/"
 
@@ -70,6 +71,7 @@ class Credentials(support.Case):
         self.assertEqual(self.output.read_text(), f"{self.URL}: no SharePoint server\n")
 
 
+@support.needs_terminal
 class Certificates(support.Case):
     QUESTION = "[y/N] "
 

@@ -2,7 +2,6 @@
 
 import os
 import pathlib
-import pty
 import re
 import select
 import shutil
@@ -99,12 +98,28 @@ class Case(unittest.TestCase):
         return path
 
 
+def why_no_terminal():
+    """Why no pseudo-terminal can be opened; None if one can."""
+    try:
+        ends = os.openpty()
+    except OSError as error:
+        return f"no pseudo-terminal can be opened: {error}"
+    for end in ends:
+        os.close(end)
+    return None
+
+
+NO_TERMINAL = why_no_terminal()
+needs_terminal = unittest.skipIf(NO_TERMINAL, NO_TERMINAL)  # marks a test, or a class of them
+
+
 class Terminal:
     """A program whose terminal is ours."""
 
     def __init__(self, environment, *arguments, output=None):
         self.shown = ""
-        self.pid, self.terminal = pty.fork()
+        # Not pty.fork, whose fallback can raise in the child: that would run the rest of the tests.
+        self.pid, self.terminal = os.forkpty()
         if self.pid == 0:
             try:
                 if output is not None:

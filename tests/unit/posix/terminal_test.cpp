@@ -10,18 +10,28 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <string>
+#include <system_error>
 
 namespace velandoc::test {
 namespace {
 
+/// Throws std::system_error if the calling function's fork failed. The id -1 must not be used: kill
+/// and waitpid take it for every process.
+pid_t RequireFork(pid_t process) {
+  if (process == -1) throw std::system_error(errno, std::generic_category(), "fork");
+  return process;
+}
+
 /// A child whose controlling terminal is the other end of a pseudo-terminal.
 class Child {
  public:
-  explicit Child(const std::function<int(Terminal&)>& body) {
-    m_process = forkpty(&m_terminal, nullptr, nullptr, nullptr);
+  explicit Child(const std::function<int(Terminal&)>& body)
+      : m_process(RequireFork(forkpty(&m_terminal, nullptr, nullptr, nullptr))) {
     if (m_process == 0) {
       unsetenv("VELANDOC_NO_INPUT");
       // Who runs the tests in the background or with nohup has these ignored, and children inherit
@@ -32,11 +42,11 @@ class Child {
     }
   }
   ~Child() {
-    if (m_process > 0 && !m_ended) {
+    if (!m_ended) {
       kill(m_process, SIGKILL);
       waitpid(m_process, nullptr, 0);
     }
-    if (m_terminal >= 0) close(m_terminal);
+    close(m_terminal);
   }
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
@@ -88,7 +98,18 @@ class Child {
 
 int ExitWith(bool good) { return good ? 0 : 1; }
 
-TEST(ControllingTerminal, EchoesTheNameAndHidesThePassword) {
+class ControllingTerminal : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    int ends[2] = {-1, -1};
+    if (openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr) != 0) {
+      GTEST_SKIP() << "no pseudo-terminal can be opened: " << std::strerror(errno);
+    }
+    for (const int end : ends) close(end);
+  }
+};
+
+TEST_F(ControllingTerminal, EchoesTheNameAndHidesThePassword) {
   Child child([](Terminal& terminal) {
     if (!terminal.IsAvailable()) return 2;
     const bool good =
@@ -106,7 +127,7 @@ TEST(ControllingTerminal, EchoesTheNameAndHidesThePassword) {
   EXPECT_EQ(child.Output().find("s3cret"), std::string::npos);
 }
 
-TEST(ControllingTerminal, RestoresTheEchoBeforeASignalEndsTheProgram) {
+TEST_F(ControllingTerminal, RestoresTheEchoBeforeASignalEndsTheProgram) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     SCOPED_TRACE(signal);
     Child child([](Terminal& terminal) {
@@ -122,7 +143,7 @@ TEST(ControllingTerminal, RestoresTheEchoBeforeASignalEndsTheProgram) {
   }
 }
 
-TEST(ControllingTerminal, TakesControlCForASignal) {
+TEST_F(ControllingTerminal, TakesControlCForASignal) {
   Child child([](Terminal& terminal) {
     terminal.AskSecret("Password: ");
     return 3;
@@ -136,7 +157,7 @@ TEST(ControllingTerminal, TakesControlCForASignal) {
 
 extern "C" void Survive(int) {}
 
-TEST(ControllingTerminal, GivesNoAnswerToAProgramThatHandlesTheSignal) {
+TEST_F(ControllingTerminal, GivesNoAnswerToAProgramThatHandlesTheSignal) {
   Child child([](Terminal& terminal) {
     signal(SIGINT, &Survive);
     const bool none = !terminal.AskSecret("Password: ").has_value();
@@ -149,18 +170,19 @@ TEST(ControllingTerminal, GivesNoAnswerToAProgramThatHandlesTheSignal) {
   EXPECT_EQ(child.End(), 0);
 }
 
-TEST(ControllingTerminal, EndOfInputIsNoAnswer) {
+TEST_F(ControllingTerminal, EndOfInputIsNoAnswer) {
   Child child([](Terminal& terminal) { return ExitWith(!terminal.Ask("User: ").has_value()); });
   child.WaitFor("User: ");
   child.Type("\x04");
   EXPECT_EQ(child.End(), 0);
 }
 
-TEST(ControllingTerminal, AsksAgainAfterAStop) {
+TEST_F(ControllingTerminal, AsksAgainAfterAStop) {
   // The system never stops a process group that no parent of its session could wake, so the one who
   // asks is a child of the session's leader, in the foreground.
   Child child([](Terminal& terminal) {
     const pid_t asker = fork();
+    if (asker == -1) return 5;
     if (asker == 0) {
       setpgid(0, 0);
       signal(SIGTTOU, SIG_IGN);
@@ -181,7 +203,7 @@ TEST(ControllingTerminal, AsksAgainAfterAStop) {
   EXPECT_EQ(child.End(), 0);
 }
 
-TEST(ControllingTerminal, IsNotThereForThoseWhoForbidIt) {
+TEST_F(ControllingTerminal, IsNotThereForThoseWhoForbidIt) {
   Child child([](Terminal& terminal) {
     setenv("VELANDOC_NO_INPUT", "1", 1);
     const bool forbidden = !terminal.IsAvailable();
@@ -191,9 +213,10 @@ TEST(ControllingTerminal, IsNotThereForThoseWhoForbidIt) {
   EXPECT_EQ(child.End(), 0);
 }
 
-TEST(ControllingTerminal, IsNotThereForABackgroundProcess) {
+TEST_F(ControllingTerminal, IsNotThereForABackgroundProcess) {
   Child child([](Terminal& terminal) {
     const pid_t background = fork();
+    if (background == -1) return 5;
     if (background == 0) {
       setpgid(0, 0);
       _exit(ExitWith(!terminal.IsAvailable()));
@@ -205,15 +228,15 @@ TEST(ControllingTerminal, IsNotThereForABackgroundProcess) {
   EXPECT_EQ(child.End(), 0);
 }
 
-TEST(ControllingTerminal, IsNotThereWithoutASession) {
-  const pid_t child = fork();
+TEST(TerminalWithoutASession, IsNotThere) {
+  const pid_t child = RequireFork(fork());
   if (child == 0) {
     setsid();
     _exit(ExitWith(!SystemPort<Terminal>().IsAvailable() &&
                    !SystemPort<Terminal>().Ask("x").has_value()));
   }
   int status = -1;
-  waitpid(child, &status, 0);
+  ASSERT_EQ(waitpid(child, &status, 0), child);
   EXPECT_EQ(status, 0);
 }
 

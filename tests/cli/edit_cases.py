@@ -1,10 +1,8 @@
 """velandoc doc edit: the questions of --terminal, on a terminal and through pipes; what becomes of the dialog
-where there is none; and a whole edit in the real window, under Xvfb."""
+where there is none. tests/dialog has the edits in a real window."""
 
 import json
-import shutil
 import subprocess
-import unittest
 
 import support
 from doc_cases import BUDGET, DocCase, MINUTES, PLAIN, SEVEN
@@ -131,48 +129,3 @@ class EditWithoutADisplay(DocCase):
         self.assertEqual(self.operations(), SEVEN)
         # The toolkit looks for a display and may keep files of its own in the cache; a page would be in this folder.
         self.assertFalse((self.folder / ".cache/velandoc").exists())
-
-
-DRIVE = """
-openbox >/dev/null 2>&1 &
-"$0" doc edit "$1" & command=$!
-window=$(timeout 40 xdotool search --sync --onlyvisible --name '^Edit SharePoint Fields$' | head -n 1)
-xdotool windowactivate --sync "$window"
-sleep 2  # until the page is there
-xdotool mousemove --window "$window" 60 44 click 1
-xdotool key ctrl+a
-xdotool type Zoe
-xdotool key "$2"
-wait $command
-"""
-
-
-@unittest.skipUnless(all(shutil.which(tool) for tool in ("xvfb-run", "xauth", "xdotool", "openbox")),
-                     "no screen, keyboard and mouse to try it with")
-class EditInTheDialog(DocCase):
-    def setUp(self):
-        super().setUp()
-        if not (support.command.parent.parent / "lib/libvelandoc-dialog.so").exists():
-            self.skipTest("the dialog's module is not built")
-        self.environment.pop("XDG_CACHE_HOME", None)
-
-    def edit(self, key):
-        """The first box, Owner, is filled in anew; then `key` is pressed in it."""
-        return self.run_program("xvfb-run", "-a", "bash", "-c", DRIVE, str(support.command), PLAIN, key)
-
-    def test_what_is_typed_reaches_the_servers_row(self):
-        done = self.edit("Return")
-        self.assertEqual(done.returncode, 0, done.stderr.decode())
-        self.assertRegex(done.stdout.decode(), r"(?m)^Owner +Zoe$")
-        self.assertEqual(self.operations(), SEVEN + ["UpdateListItems"])
-        self.assertEqual(self.document("b.xlsx")["values"]["Owner"], "Zoe")
-        names = sorted(path.suffix for path in (self.folder / ".cache/velandoc").iterdir() if path.is_file())
-        self.assertEqual(names, [".htm", ".tmp"])
-
-    def test_escape_leaves_the_server_alone(self):
-        before = self.document("b.xlsx")
-        done = self.edit("Escape")
-        self.assertEqual((done.returncode, done.stdout), (1, b""), done.stderr.decode())
-        self.assertIn("velandoc: nothing was written: the dialog was cancelled\n", done.stderr.decode())
-        self.assertEqual(self.operations(), SEVEN)
-        self.assertEqual(self.document("b.xlsx"), before)

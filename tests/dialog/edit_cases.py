@@ -8,7 +8,7 @@ import signal
 import stat
 
 import dialog_support as support
-from dialog_support import DialogCase, wait_for
+from dialog_support import DialogCase, PATIENCE, wait_for
 from module_cases import CANCEL, OK, middle
 
 # The server of the command's tests, which have a module `support` of their own.
@@ -19,6 +19,8 @@ _found.loader.exec_module(cli)
 BOOK = "http://docs.example.test/sites/a/Shared%20Documents/b.xlsx"
 MINUTES = "http://docs.example.test/sites/a/Shared%20Documents/Minutes.docx"
 SCRIPT = support.TOP / "tests/dialog/edit.js"
+OPENING = ["open service", "GetUserInfo", "url to web url", "getDocsMetaInfo", "getDocsMetaInfo", "GetListContentType",
+           "GetListItems"]
 # The order of the form's controls: every check box is a stop.
 FIELDS = ("Owner", "Project_x0020_Code", "Summary", "Status", "Amount", "Due", "Approved", "Regions")
 
@@ -293,22 +295,32 @@ class CommandCases(EditCase):
     def command(self, *words):
         return self.start(support.binaries / "velandoc", *words)
 
+    def operations(self):
+        return [record["operation"] for record in cli.server.log()]
+
     def test_ok_prints_what_the_server_has(self):
         program = self.command("doc", "edit", BOOK)
-        self.window()
-        self.go_to("Owner")
+        window = self.window()
+        window.click(60, 44)  # into Owner
+        support.display.keys("ctrl+a")
         support.display.type("Zoe", "Return")
         lines = program.end()
         self.assertRegex("\n".join(lines), r"(?m)^Owner +Zoe$")
         self.assertEqual(self.row()["Owner"], "Zoe")
+        self.assertEqual(self.operations(), [*OPENING, "UpdateListItems"])
+        endings = sorted(path.suffix for path in (self.folder / "cache/velandoc").iterdir() if path.is_file())
+        self.assertEqual(endings, [".htm", ".tmp"])
 
     def test_cancel_is_told(self):
+        site = cli.server.command("GET", "/site")
         program = self.command("doc", "edit", BOOK)
         self.window()
         support.display.keys("Escape")
-        self.assertEqual(program.process.wait(timeout=30), 1)
-        self.assertIn("nothing was written: the dialog was cancelled", program.errors())
-        self.assertEqual(self.updates(), [])
+        self.assertEqual(program.process.wait(timeout=PATIENCE), 1)
+        self.assertIsNone(program.next())
+        self.assertIn("velandoc: nothing was written: the dialog was cancelled\n", program.errors())
+        self.assertEqual(self.operations(), OPENING)
+        self.assertEqual(cli.server.command("GET", "/site"), site)
 
 
 class MissingCases(EditCase):

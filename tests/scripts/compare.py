@@ -32,10 +32,10 @@ def with_declared(case, home, lines):
 
 
 class ScriptCases(BothHomes):
-    def run_in(self, home, case):
+    def run_in(self, home, case, requests_expected=0):
         self.server.prepare(case.rules)
         result = self.homes[home].run(case)
-        requests = [comparable(record) for record in self.server.log()]
+        requests = [comparable(record) for record in self.server.log_of(requests_expected)]
         self.assertEqual(result.code, case.exit, f"exit code in {home}\n{result.errors}")
         self.assertTrue(result.lines, f"no output in {home}\n{result.errors}")
         self.assertEqual(result.lines[-1], f"end of {case.name}", f"last line in {home}")
@@ -47,8 +47,9 @@ class ScriptCases(BothHomes):
             expected = case.path.with_suffix(".expected")
             self.assertEqual(lines, expected.read_text(encoding="utf-8").splitlines())
             return
-        native_lines, native_requests = self.run_in("native", case)
         wine_lines, wine_requests = self.run_in("wine", case)
+        # The Linux home may end before the server has read its last request: differences.json, hdfs_files.
+        native_lines, native_requests = self.run_in("native", case, len(wine_requests))
         native_output, native_used, declared = with_declared(case.name, "native", native_lines)
         wine_output, wine_used, _ = with_declared(case.name, "wine", wine_lines)
         self.assertEqual(native_output, wine_output)

@@ -9,6 +9,7 @@ import time
 
 START_SECONDS = 20
 STOP_SECONDS = 20
+LOG_SECONDS = 20
 
 
 class Control:
@@ -44,6 +45,15 @@ class Control:
 
     def log(self):
         return self.command("GET", "/log")
+
+    def log_of(self, count):
+        """The log once it has `count` records; what it has after LOG_SECONDS if it never does.
+
+        For requests whose client does not wait for the answer: it may end before the server has read them."""
+        deadline = time.monotonic() + LOG_SECONDS
+        while len(log := self.log()) < count and time.monotonic() < deadline:
+            time.sleep(0.02)
+        return log
 
 
 class StandIn(Control):

@@ -80,6 +80,10 @@ class Window:
     def picture(self):
         return Picture(self.display.capture(self.number, "ppm:-"))
 
+    def wait_for_page(self):
+        """Returns once the page has painted its words. A window that nobody has painted yet is black."""
+        wait_for("the page", lambda: 50 < self.picture().dark(0, 0, 400, 60) < 6000)
+
     def save(self, path):
         path = pathlib.Path(path)
         path.parent.mkdir(parents=True, exist_ok=True)
@@ -138,6 +142,10 @@ class Display:
     def windows(self, caption=CAPTION):
         done = self.run(["xdotool", "search", "--onlyvisible", "--name", f"^{re.escape(caption)}$"])
         return [int(number) for number in done.stdout.split()]
+
+    def windows_of(self, program):
+        """All that are seen of a program: an open list is a window without a caption."""
+        return self.run(["xdotool", "search", "--onlyvisible", "--class", f"^{re.escape(program)}$"]).stdout.split()
 
     def active(self):
         done = self.run(["xdotool", "getactivewindow"])

@@ -69,8 +69,7 @@ class EditCase(DialogCase):
 
     def window(self, *others):
         window = support.display.window(other_than=others)
-        # The page is there when it has painted its words; a window that nobody has painted yet is black.
-        wait_for("the page", lambda: 50 < window.picture().dark(0, 0, 400, 60) < 6000)
+        window.wait_for_page()
         return window
 
     def go_to(self, field):

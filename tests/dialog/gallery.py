@@ -72,7 +72,7 @@ def photograph(display, binaries, path, alert=False):
                                    stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
         try:
             window = display.window()
-            wait_for("the page", lambda: 50 < window.picture().dark(0, 0, 598, 60) < 6000)
+            window.wait_for_page()
             if alert:
                 display.keys("Return")
                 display.window(other_than=(window.number,))

@@ -41,6 +41,7 @@ class WindowCases(DriverCase):
         program, window = self.open()
         self.assertEqual((window.width, window.height), (WIDTH, HEIGHT))
         self.assertIn(f"created {WIDTH} {HEIGHT}", program.lines)
+        window.wait_for_page()
         self.save(window, "window")
         picture = window.picture()
         for button in (OK, CANCEL):
@@ -66,8 +67,12 @@ class WindowCases(DriverCase):
         fields = ("<div style='position:fixed;inset:0;background:#000'></div>",)
         program, window = self.open(fields=fields)
         bottom = OK[1] - 10
-        wait_for("a black page", lambda: window.picture().dark(0, 0, WIDTH, bottom) == WIDTH * bottom)
-        self.assertEqual(window.picture().dark(0, bottom, 400, HEIGHT), 0)
+
+        def filled():
+            # A window that nobody has painted yet is black everywhere.
+            picture = window.picture()
+            return picture.dark(0, 0, WIDTH, bottom) == WIDTH * bottom and picture.dark(0, bottom, 400, HEIGHT) == 0
+        wait_for("a black page", filled)
         window.resize(640, 400)
         program.until("size 0 640 400")
         bottom += 400 - HEIGHT
@@ -202,10 +207,10 @@ class KeyCases(DriverCase):
         program, window = self.open("--call", "GetFieldValue,Title", "--stay",
                                     fields=(form_page.choice("Title", "Draft", "Review", "Final"),))
         support.display.keys("Tab", "Tab", "space")
-        time.sleep(0.7)
+        wait_for("the list", lambda: len(support.display.windows_of("dialog_driver")) == 2)
         support.display.keys("Down")
         support.display.keys("Return")
-        time.sleep(0.7)
+        wait_for("the list to go", lambda: len(support.display.windows_of("dialog_driver")) == 1)
         window.click(*middle(OK))
         program.until("command 1")
         self.assertEqual(program.until("call"), "call GetFieldValue text Review")

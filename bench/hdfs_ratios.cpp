@@ -1,14 +1,14 @@
 // The HDFS client and its command beside curl and libcurl, in one run and against one server, as
 // ratios of rates: above 1 the component is the faster.
 //
-//   hdfs_ratios HTTP-PORT HTTPS-PORT [get|put|text|peer|whole]
+//   hdfs_ratios SERVER HTTP-PORT HTTPS-PORT [get|put|text|peer|whole]...
 //
-// The ports are the stand-in server's, whose HDFS makes up what is read and drops what is written.
+// SERVER is what the rows call the server that listens on the ports: the stand-in, whose HDFS makes
+// up what is read and drops what is written, or for `get` and `put` the nginx of beside_nginx.py.
 // For https the environment's CURL_CA_BUNDLE names the server's authority. VELANDOC_WEBHDFS_PEER is
 // the path of webhdfs_peer.js where the npm client `webhdfs` is installed; NODE_PATH names where.
 
 #include <curl/curl.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -34,29 +34,24 @@ constexpr char kRead[] = "/.generated/bytes/1073741824/f";
 constexpr char kWritten[] = "/.sink/f";
 constexpr char kText[] = "/.generated/lines/640/f";
 
+/// The server that is talked with, by one of its schemes.
+struct Server {
+  std::string name;
+  const char* scheme;
+  std::string port;
+
+  std::string Base() const { return std::string(scheme) + "://localhost:" + port; }
+  Row Transfer(const std::string& what) const {
+    return {what + " over " + scheme, name, kBodySize / 1e6, "MB/s"};
+  }
+};
+
 struct Form {
   const char* name;
   const CLSID& clsid;
 };
 
 const Form kForms[] = {{"WinINet", CLSID_HdfsClient}, {"WinHTTP", CLSID_HdfsClientWinHttp}};
-
-/// A folder for what is transferred, gone in the end.
-class Folder {
- public:
-  Folder() : m_path(std::filesystem::temp_directory_path() / "velandoc-bench-XXXXXX") {
-    std::string pattern = m_path.string();
-    Require(mkdtemp(pattern.data()) != nullptr, "no temporary folder");
-    m_path = pattern;
-  }
-  ~Folder() { std::filesystem::remove_all(m_path); }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-  std::string File(const char* name) const { return (m_path / name).string(); }
-
- private:
-  std::filesystem::path m_path;
-};
 
 Bstr Wide(const std::string& text) { return Bstr(WideString(text.begin(), text.end())); }
 
@@ -83,25 +78,24 @@ std::string Url(const std::string& base, const char* path, const char* query) {
   return base + "/webhdfs/v1" + path + "?op=" + query;
 }
 
-void Get(const std::string& base, const char* scheme) {
+void Get(const Server& server) {
+  const std::string base = server.Base();
   const Folder folder;
   const std::string local = folder.File("f");
   const auto prepare = [&] { std::filesystem::remove(local); };
   const auto curl = [&] { RunCurl({"-L", "-o", local, Url(base, kRead, "OPEN")}); };
-  Compare((std::string("`velandoc hdfs get` of 1 GiB to a file over ") + scheme +
-           ", beside `curl -L -o`")
-              .c_str(),
-          kBodySize / 1e6, "MB/s",
-          [&] {
-            RunCommand({"get", kRead, local}, base);
-          },
-          curl, prepare);
+  Compare(
+      server.Transfer("`velandoc hdfs get` of 1 GiB to a file, beside `curl -L -o`,"),
+      [&] {
+        RunCommand({"get", kRead, local}, base);
+      },
+      curl, prepare);
   for (const Form& form : kForms) {
     const ComPtr<IHdfsClient> client = NewClient(form, base, kRead);
-    Compare((std::string("`Download` (") + form.name + ") of the same over " + scheme).c_str(),
-            kBodySize / 1e6, "MB/s",
-            [&] { CheckResult(client->Download(VARIANT_FALSE, Wide(local).Get(), nullptr)); }, curl,
-            prepare);
+    Compare(
+        server.Transfer(std::string("`Download` (") + form.name + ") of the same"),
+        [&] { CheckResult(client->Download(VARIANT_FALSE, Wide(local).Get(), nullptr)); }, curl,
+        prepare);
   }
 }
 
@@ -114,34 +108,34 @@ void MakeSource(const std::string& local) {
 }
 
 /// The npm client, where it is installed.
-void Peer(const std::string& base, const std::string& port) {
+void Peer(const Server& server) {
   const char* const script = std::getenv("VELANDOC_WEBHDFS_PEER");
   if (script == nullptr) return;
+  const std::string base = server.Base();
   constexpr int kRounds = 3;
   const Folder folder;
   const std::string local = folder.File("f");
   const auto peer = [&](const char* what, const char* remote) {
-    RunProgram({"/usr/bin/env", "node", script, what, port, remote, local});
+    RunProgram({"/usr/bin/env", "node", script, what, server.port, remote, local});
     Require(std::filesystem::file_size(local) == kBodySize, "the npm client's get is not whole");
   };
   Compare(
-      "`velandoc hdfs get` of 1 GiB to a file over http, beside the npm client `webhdfs`",
-      kBodySize / 1e6, "MB/s",
+      server.Transfer("`velandoc hdfs get` of 1 GiB to a file, beside the npm client `webhdfs`,"),
       [&] {
         RunCommand({"get", kRead, local}, base);
       },
       [&] { peer("get", kRead); }, [&] { std::filesystem::remove(local); }, kRounds);
   MakeSource(local);
   Compare(
-      "`velandoc hdfs put` of a file of 1 GiB over http, beside the npm client `webhdfs`",
-      kBodySize / 1e6, "MB/s",
+      server.Transfer("`velandoc hdfs put` of a file of 1 GiB, beside the npm client `webhdfs`,"),
       [&] {
         RunCommand({"put", local, kWritten}, base);
       },
       [&] { peer("put", kWritten); }, [] {}, kRounds);
 }
 
-void Put(const std::string& base, const char* scheme) {
+void Put(const Server& server) {
+  const std::string base = server.Base();
   const Folder folder;
   const std::string local = folder.File("f");
   MakeSource(local);
@@ -149,23 +143,23 @@ void Put(const std::string& base, const char* scheme) {
     RunCurl({"-L", "-T", local, "-H",
              "Expect:", Url(base, kWritten, "CREATE&overwrite=true&namenoderpcaddress=x")});
   };
-  Compare((std::string("`velandoc hdfs put` of a file of 1 GiB over ") + scheme +
-           ", beside `curl -T` straight to the data node")
-              .c_str(),
-          kBodySize / 1e6, "MB/s",
-          [&] {
-            RunCommand({"put", local, kWritten}, base);
-          },
-          curl);
+  Compare(
+      server.Transfer(
+          "`velandoc hdfs put` of a file of 1 GiB, beside `curl -T` straight to the data "
+          "node,"),
+      [&] {
+        RunCommand({"put", local, kWritten}, base);
+      },
+      curl);
   for (const Form& form : kForms) {
     const ComPtr<IHdfsClient> client = NewClient(form, base, kWritten);
-    Compare((std::string("`Upload` (") + form.name + ") of the same over " + scheme).c_str(),
-            kBodySize / 1e6, "MB/s",
-            [&] {
-              const Variant source{Wide(local).View()};
-              CheckResult(client->Upload(source.Get(), VARIANT_TRUE, nullptr));
-            },
-            curl);
+    Compare(
+        server.Transfer(std::string("`Upload` (") + form.name + ") of the same"),
+        [&] {
+          const Variant source{Wide(local).View()};
+          CheckResult(client->Upload(source.Get(), VARIANT_TRUE, nullptr));
+        },
+        curl);
   }
 }
 
@@ -193,7 +187,8 @@ void AskMany(CURLSH* cache, const std::string& url) {
   }
 }
 
-void Text(const std::string& base, const char* scheme) {
+void Text(const Server& server) {
+  const std::string base = server.Base();
   CURLSH* cache = curl_share_init();
   for (const curl_lock_data what : {CURL_LOCK_DATA_CONNECT, CURL_LOCK_DATA_SSL_SESSION}) {
     curl_share_setopt(cache, CURLSHOPT_SHARE, what);
@@ -203,64 +198,55 @@ void Text(const std::string& base, const char* scheme) {
       const ComPtr<IHdfsClient> client = NewClient(form, base, kText);
       CheckResult(client->put_Op(Wide(op).Get()));
       const std::string url = Url(base, kText, op);
-      Compare((std::string("`GetText` (") + form.name + ") of " + op + " over " + scheme +
-               ", beside bare libcurl with a shared cache")
-                  .c_str(),
-              kCallsPerRound, "calls/s",
-              [&] {
-                for (int i = 0; i < kCallsPerRound; ++i) {
-                  Bstr text;
-                  CheckResult(client->GetText(text.Receive()));
-                  Require(!text.View().empty(), "no text");
-                }
-              },
-              [&] { AskMany(cache, url); });
+      Compare(
+          {std::string("`GetText` (") + form.name + ") of " + op + " over " + server.scheme +
+               ", beside bare libcurl with a shared cache",
+           server.name, kCallsPerRound, "calls/s"},
+          [&] {
+            for (int i = 0; i < kCallsPerRound; ++i) {
+              Bstr text;
+              CheckResult(client->GetText(text.Receive()));
+              Require(!text.View().empty(), "no text");
+            }
+          },
+          [&] { AskMany(cache, url); });
     }
   }
   curl_share_cleanup(cache);
 }
 
-void Whole(const std::string& base) {
-  constexpr int kRuns = 31;
-  const auto row = [](const char* name, double seconds) {
-    std::printf("| %s | %.1f ms | | |\n", name, seconds * 1e3);
+void Whole(const Server& server) {
+  const auto row = [](const char* name, const std::string& with,
+                      const std::function<void()>& work) {
+    constexpr int kRuns = 31;
+    char value[32];
+    std::snprintf(value, sizeof value, "%.1f ms", MedianSeconds(work, kRuns) * 1e3);
+    PrintAlone(name, with, value);
   };
-  row("`velandoc --version`, the whole process", MedianSeconds(
-                                                     [] {
-                                                       RunProgram({Command(), "--version"});
-                                                     },
-                                                     kRuns));
-  row("`curl --version`, for comparison", MedianSeconds([] { RunCurl({"--version"}); }, kRuns));
-  row("`velandoc hdfs head -n 1000` of 10 GB, the whole process",
-      MedianSeconds(
-          [&] {
-            RunCommand({"head", "-n", "1000", "/.generated/lines/10000000000/f"}, base);
-          },
-          kRuns));
+  row("`velandoc --version`, the whole process", "", [] { RunProgram({Command(), "--version"}); });
+  row("`curl --version`, for comparison", "", [] { RunCurl({"--version"}); });
+  row("`velandoc hdfs head -n 1000` of 10 GB, the whole process", server.name, [&] {
+    RunCommand({"head", "-n", "1000", "/.generated/lines/10000000000/f"}, server.Base());
+  });
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 3) {
-    std::fprintf(stderr, "usage: hdfs_ratios HTTP-PORT HTTPS-PORT [get|put|text|peer|whole]\n");
-    return 2;
-  }
-  const std::string http = std::string("http://localhost:") + argv[1];
-  const std::string https = std::string("https://localhost:") + argv[2];
-  const std::string which = argc > 3 ? argv[3] : "";
-  const auto isAsked = [&](const char* name) { return which.empty() || which == name; };
   curl_global_init(CURL_GLOBAL_DEFAULT);
   try {
-    std::printf("| operation | component | curl | ratio |\n| --- | --- | --- | --- |\n");
-    if (isAsked("whole")) Whole(http);
-    if (isAsked("get")) Get(http, "http");
-    if (isAsked("get")) Get(https, "https");
-    if (isAsked("put")) Put(http, "http");
-    if (isAsked("put")) Put(https, "https");
-    if (isAsked("peer")) Peer(http, argv[1]);
-    if (isAsked("text")) Text(http, "http");
-    if (isAsked("text")) Text(https, "https");
+    const Arguments asked(argc, argv);
+    const Server http{asked.server, "http", asked.httpPort};
+    const Server https{asked.server, "https", asked.httpsPort};
+    PrintHeading();
+    if (asked.Asks("whole")) Whole(http);
+    if (asked.Asks("get")) Get(http);
+    if (asked.Asks("get")) Get(https);
+    if (asked.Asks("put")) Put(http);
+    if (asked.Asks("put")) Put(https);
+    if (asked.Asks("peer")) Peer(http);
+    if (asked.Asks("text")) Text(http);
+    if (asked.Asks("text")) Text(https);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "hdfs_ratios: %s\n", error.what());
     return 1;

@@ -2,22 +2,24 @@
 // rates: above 1 the component is the faster. Rounds alternate between the two sides, and the
 // median round counts.
 //
-//   ratios HTTP-PORT [check|download|upload]
+//   ratios SERVER HTTP-PORT HTTPS-PORT [check|download|upload]...
 //
-// HTTP-PORT is the stand-in server's; it also serves as the forward proxy by which
-// http://docs.example.test/ is reached.
+// SERVER is what the rows call the server that listens on the ports: the stand-in, or for
+// `download` and `upload` the nginx of beside_nginx.py. For `check` it is also the forward proxy by
+// which http://docs.example.test/ is reached.
 
 #include <curl/curl.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "bench/plain_check.h"
 #include "bench/side_by_side.h"
 #include "platform/owners.h"
 #include "platform/wininet.h"
@@ -32,11 +34,6 @@ constexpr int kChecksPerRound = 1000;
 constexpr int kSocketCalls = 10000;
 constexpr unsigned kBodySize = 1U << 30;
 constexpr DWORD kStep = 8192;
-
-constexpr char kEnvelope[] =
-    "<soap:Envelope xmlns:soap=\"http://schemas.xmlsoap.org/soap/envelope/\"><soap:Body>"
-    "<GetListCollection xmlns=\"http://schemas.microsoft.com/sharepoint/soap/\"/>"
-    "</soap:Body></soap:Envelope>";
 
 int SocketsInTimeWait() {
   std::ifstream table("/proc/net/tcp");
@@ -63,52 +60,24 @@ void CheckMany(int count) {
   }
 }
 
-size_t Keep(char* data, size_t size, size_t count, void* target) {
-  static_cast<std::string*>(target)->append(data, size * count);
-  return size * count;
-}
-
-void PostMany(CURLSH* cache, int count) {
-  curl_slist* headers = nullptr;
-  for (const char* line :
-       {"Content-Type: text/xml; charset=utf-8",
-        "SOAPAction: http://schemas.microsoft.com/sharepoint/soap/GetListCollection",
-        "Accept: text/*"}) {
-    headers = curl_slist_append(headers, line);
-  }
-  for (int i = 0; i < count; ++i) {
-    CURL* easy = curl_easy_init();
-    std::string answer;
-    curl_easy_setopt(easy, CURLOPT_SHARE, cache);
-    curl_easy_setopt(easy, CURLOPT_URL, "http://docs.example.test/_vti_bin/lists.asmx");
-    curl_easy_setopt(easy, CURLOPT_USERAGENT, "CWinInetConnection");
-    curl_easy_setopt(easy, CURLOPT_HTTPHEADER, headers);
-    curl_easy_setopt(easy, CURLOPT_POSTFIELDS, kEnvelope);
-    curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, Keep);
-    curl_easy_setopt(easy, CURLOPT_WRITEDATA, &answer);
-    const CURLcode code = curl_easy_perform(easy);
-    long status = 0;
-    curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
-    curl_easy_cleanup(easy);
-    Require(code == CURLE_OK && status == 200, "curl's post failed");
-  }
-  curl_slist_free_all(headers);
-}
-
-void Check(int port) {
-  const std::string proxy = "http://127.0.0.1:" + std::to_string(port);
-  setenv("http_proxy", proxy.c_str(), 1);
-  CURLSH* cache = curl_share_init();
-  curl_share_setopt(cache, CURLSHOPT_SHARE, CURL_LOCK_DATA_CONNECT);
+void Check(const Arguments& asked) {
+  setenv("http_proxy", ("http://127.0.0.1:" + asked.httpPort).c_str(), 1);
   Compare(
-      "`ServerCheck.Check`, beside a bare libcurl post", kChecksPerRound, "calls/s",
-      [] { CheckMany(kChecksPerRound); }, [&] { PostMany(cache, kChecksPerRound); });
-  curl_share_cleanup(cache);
+      {"`ServerCheck.Check`, beside the same post, parsed and one XPath asked, in C", asked.server,
+       kChecksPerRound, "calls/s"},
+      [] { CheckMany(kChecksPerRound); },
+      [] {
+        Require(PlainChecks("http://docs.example.test/_vti_bin/lists.asmx", kChecksPerRound) ==
+                    kChecksPerRound,
+                "the check in C says no");
+      });
 
   const int before = SocketsInTimeWait();
   CheckMany(kSocketCalls);
-  std::printf("| sockets in TIME_WAIT after %d calls of `Check` | %+d | | |\n", kSocketCalls,
-              SocketsInTimeWait() - before);
+  PrintAlone("sockets in TIME_WAIT after " + std::to_string(kSocketCalls) +
+                 " calls of `Check`, more than "
+                 "before",
+             asked.server, std::to_string(SocketsInTimeWait() - before));
 }
 
 // --- bodies ---
@@ -125,12 +94,13 @@ class Handle {
   HINTERNET m_handle;
 };
 
-void Exchange(int port, LPCWSTR verb, const std::u16string& object,
+void Exchange(const std::string& port, LPCWSTR verb, const std::u16string& object,
               const std::function<void(WinInet&, HINTERNET)>& work) {
   WinInet& inet = CurrentPort<WinInet>();
   Handle session(inet.InternetOpenW(u"ratios", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
-  Handle connect(inet.InternetConnectW(session.Get(), u"127.0.0.1", static_cast<WORD>(port),
-                                       nullptr, nullptr, INTERNET_SERVICE_HTTP, 0, 0));
+  Handle connect(inet.InternetConnectW(session.Get(), u"127.0.0.1",
+                                       static_cast<WORD>(std::stoi(port)), nullptr, nullptr,
+                                       INTERNET_SERVICE_HTTP, 0, 0));
   LPCWSTR accept[] = {u"text/*", nullptr};
   Handle request(inet.HttpOpenRequestW(
       connect.Get(), verb, object.c_str(), nullptr, nullptr, accept,
@@ -150,15 +120,15 @@ void ReadToEnd(WinInet& inet, HINTERNET request, unsigned expected) {
   Require(expected == 0 || total == expected, "the body is short");
 }
 
-void Download(int port) {
-  const std::string url =
-      "http://127.0.0.1:" + std::to_string(port) + "/bytes/" + std::to_string(kBodySize);
+void Download(const Arguments& asked) {
   const std::string size = std::to_string(kBodySize);
+  const std::string url = "http://127.0.0.1:" + asked.httpPort + "/bytes/" + size;
   const std::u16string object = u"/bytes/" + std::u16string(size.begin(), size.end());
   Compare(
-      "1 GiB body read in steps of 8192 bytes, beside `curl -o /dev/null`", kBodySize / 1e6, "MB/s",
+      {"1 GiB body read in steps of 8192 bytes, beside `curl -o /dev/null`", asked.server,
+       kBodySize / 1e6, "MB/s"},
       [&] {
-        Exchange(port, u"GET", object, [](WinInet& inet, HINTERNET request) {
+        Exchange(asked.httpPort, u"GET", object, [](WinInet& inet, HINTERNET request) {
           Require(inet.HttpSendRequestW(request, nullptr, 0, nullptr, 0), "the send failed");
           ReadToEnd(inet, request, kBodySize);
         });
@@ -168,62 +138,52 @@ void Download(int port) {
       });
 }
 
-void Upload(int port) {
-  char path[] = "/tmp/velandoc-upload-XXXXXX";
-  const int file = mkstemp(path);
-  Require(file >= 0 && ftruncate(file, kBodySize) == 0, "no temporary file");
-  close(file);
-  const std::string url = "http://127.0.0.1:" + std::to_string(port) + "/sink";
-  try {
-    Compare(
-        "1 GiB body written in steps of 8192 bytes, beside `curl -T`", kBodySize / 1e6, "MB/s",
-        [&] {
-          Exchange(port, u"PUT", u"/sink", [](WinInet& inet, HINTERNET request) {
-            const std::string size = std::to_string(kBodySize);
-            const std::u16string header =
-                u"Content-Length: " + std::u16string(size.begin(), size.end());
-            INTERNET_BUFFERSW head{};
-            head.dwStructSize = sizeof(head);
-            head.lpcszHeader = header.c_str();
-            head.dwHeadersLength = static_cast<DWORD>(header.size());
-            Require(inet.HttpSendRequestExW(request, &head, nullptr, 0, 0), "the head failed");
-            const std::vector<char> piece(kStep);
-            for (unsigned sent = 0; sent < kBodySize; sent += kStep) {
-              DWORD written = 0;
-              Require(inet.InternetWriteFile(request, piece.data(), kStep, &written) &&
-                          written == kStep,
-                      "the write failed");
-            }
-            Require(inet.HttpEndRequestW(request, nullptr, 0, 0), "the end failed");
-            ReadToEnd(inet, request, 0);
-          });
-        },
-        [&] {
-          RunCurl({"-T", path, "-H", "Expect:", url});
+void Upload(const Arguments& asked) {
+  const Folder folder;
+  const std::string local = folder.File("f");
+  std::ofstream(local).close();
+  std::filesystem::resize_file(local, kBodySize);
+  const std::string url = "http://127.0.0.1:" + asked.httpPort + "/sink";
+  Compare(
+      {"1 GiB body written in steps of 8192 bytes, beside `curl -T`", asked.server, kBodySize / 1e6,
+       "MB/s"},
+      [&] {
+        Exchange(asked.httpPort, u"PUT", u"/sink", [](WinInet& inet, HINTERNET request) {
+          const std::string size = std::to_string(kBodySize);
+          const std::u16string header =
+              u"Content-Length: " + std::u16string(size.begin(), size.end());
+          INTERNET_BUFFERSW head{};
+          head.dwStructSize = sizeof(head);
+          head.lpcszHeader = header.c_str();
+          head.dwHeadersLength = static_cast<DWORD>(header.size());
+          Require(inet.HttpSendRequestExW(request, &head, nullptr, 0, 0), "the head failed");
+          const std::vector<char> piece(kStep);
+          for (unsigned sent = 0; sent < kBodySize; sent += kStep) {
+            DWORD written = 0;
+            Require(
+                inet.InternetWriteFile(request, piece.data(), kStep, &written) && written == kStep,
+                "the write failed");
+          }
+          Require(inet.HttpEndRequestW(request, nullptr, 0, 0), "the end failed");
+          ReadToEnd(inet, request, 0);
         });
-  } catch (...) {
-    unlink(path);
-    throw;
-  }
-  unlink(path);
+      },
+      [&] {
+        RunCurl({"-T", local, "-H", "Expect:", url});
+      });
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 2) {
-    std::fprintf(stderr, "usage: ratios HTTP-PORT [check|download|upload]\n");
-    return 2;
-  }
-  const int port = std::atoi(argv[1]);
-  const std::string which = argc > 2 ? argv[2] : "";
   curl_global_init(CURL_GLOBAL_DEFAULT);
   try {
-    std::printf("| operation | component | curl | ratio |\n| --- | --- | --- | --- |\n");
+    const Arguments asked(argc, argv);
+    PrintHeading();
     // The bodies first: the probe sets the proxy for the rest of the process.
-    if (which.empty() || which == "download") Download(port);
-    if (which.empty() || which == "upload") Upload(port);
-    if (which.empty() || which == "check") Check(port);
+    if (asked.Asks("download")) Download(asked);
+    if (asked.Asks("upload")) Upload(asked);
+    if (asked.Asks("check")) Check(asked);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "ratios: %s\n", error.what());
     return 1;

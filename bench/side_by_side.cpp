@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <stdexcept>
 
 namespace velandoc::bench {
@@ -28,9 +29,30 @@ void Require(bool condition, const char* what) {
   if (!condition) throw std::runtime_error(what);
 }
 
-void Compare(const char* name, double units, const char* unit, const std::function<void()>& ours,
-             const std::function<void()>& theirs, const std::function<void()>& prepare,
-             int rounds) {
+Arguments::Arguments(int argc, char** argv) {
+  Require(argc >= 4, "the arguments are SERVER HTTP-PORT HTTPS-PORT [ROW]...");
+  server = argv[1];
+  httpPort = argv[2];
+  httpsPort = argv[3];
+  rows.assign(argv + 4, argv + argc);
+}
+
+bool Arguments::Asks(const char* row) const {
+  return rows.empty() || std::find(rows.begin(), rows.end(), row) != rows.end();
+}
+
+void PrintHeading() {
+  std::printf(
+      "| operation | server | component | curl | ratio |\n| --- | --- | --- | --- | --- |\n");
+}
+
+void PrintAlone(const std::string& name, const std::string& server, const std::string& value) {
+  std::printf("| %s | %s | %s | | |\n", name.c_str(), server.c_str(), value.c_str());
+  std::fflush(stdout);
+}
+
+void Compare(const Row& row, const std::function<void()>& ours, const std::function<void()>& theirs,
+             const std::function<void()>& prepare, int rounds) {
   for (const auto* side : {&ours, &theirs}) {
     prepare();
     (*side)();
@@ -43,12 +65,12 @@ void Compare(const char* name, double units, const char* unit, const std::functi
     const double our_seconds = Seconds(ours);
     prepare();
     const double their_seconds = Seconds(theirs);
-    our_rates.push_back(units / our_seconds);
-    their_rates.push_back(units / their_seconds);
+    our_rates.push_back(row.units / our_seconds);
+    their_rates.push_back(row.units / their_seconds);
     ratios.push_back(their_seconds / our_seconds);
   }
-  std::printf("| %s | %.0f %s | %.0f %s | %.2f |\n", name, Median(our_rates), unit,
-              Median(their_rates), unit, Median(ratios));
+  std::printf("| %s | %s | %.0f %s | %.0f %s | %.2f |\n", row.name.c_str(), row.server.c_str(),
+              Median(our_rates), row.unit, Median(their_rates), row.unit, Median(ratios));
   std::fflush(stdout);
 }
 
@@ -72,6 +94,16 @@ void RunProgram(std::vector<std::string> arguments) {
 void RunCurl(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), {"curl", "-q", "-sS", "--noproxy", "*"});
   RunProgram(std::move(arguments));
+}
+
+Folder::Folder() {
+  const char* const chosen = std::getenv("VELANDOC_BENCH_FOLDER");
+  const std::filesystem::path parent = chosen != nullptr && *chosen != 0
+                                           ? std::filesystem::path(chosen)
+                                           : std::filesystem::temp_directory_path();
+  std::string pattern = (parent / "velandoc-bench-XXXXXX").string();
+  Require(mkdtemp(pattern.data()) != nullptr, "no temporary folder");
+  m_path = pattern;
 }
 
 double MedianSeconds(const std::function<void()>& work, int rounds) {

@@ -81,8 +81,8 @@ CURL* ConnectionPool::TakeEasy() {
   return easy;
 }
 
-void ConnectionPool::GiveBackEasy(CURL* easy) {
-  if (m_idle.size() >= kMaxIdleEasy || !MayReuseEasy()) {
+void ConnectionPool::GiveBackEasy(CURL* easy, bool hasFailed) {
+  if (hasFailed || m_idle.size() >= kMaxIdleEasy || !MayReuseEasy()) {
     curl_easy_cleanup(easy);
     return;
   }
@@ -96,7 +96,9 @@ void ConnectionPool::Perform() {
   while (const CURLMsg* message = curl_multi_info_read(m_multi, &count)) {
     if (message->msg != CURLMSG_DONE) continue;
     for (EasyHandle* handle : m_joined) {
-      if (handle->m_easy == message->easy_handle) handle->m_result = message->data.result;
+      if (handle->m_easy != message->easy_handle) continue;
+      handle->m_result = message->data.result;
+      handle->m_hasFailed = message->data.result != CURLE_OK;
     }
   }
 }
@@ -106,7 +108,7 @@ EasyHandle::EasyHandle(std::shared_ptr<ConnectionPool> pool)
 
 EasyHandle::~EasyHandle() {
   Leave();
-  m_pool->GiveBackEasy(m_easy);
+  m_pool->GiveBackEasy(m_easy, m_hasFailed);
 }
 
 bool EasyHandle::Join() {

@@ -35,7 +35,7 @@ class ConnectionPool {
  private:
   friend class EasyHandle;
   CURL* TakeEasy();
-  void GiveBackEasy(CURL* easy);
+  void GiveBackEasy(CURL* easy, bool hasFailed);
   /// One round of all transfers that have joined; those that ended find their result noted.
   void Perform();
 
@@ -47,7 +47,8 @@ class ConnectionPool {
 };
 
 /// An easy handle of a pool, with no options set but the shared session cache. It goes back to the
-/// pool in the end.
+/// pool in the end, unless its transfer failed: libcurl keeps the error's number of the system, and
+/// does not promise to forget it.
 class EasyHandle {
  public:
   explicit EasyHandle(std::shared_ptr<ConnectionPool> pool);
@@ -71,6 +72,7 @@ class EasyHandle {
   CURL* m_easy;
   std::optional<CURLcode> m_result;
   bool m_joined = false;
+  bool m_hasFailed = false;
 };
 
 }  // namespace velandoc::http

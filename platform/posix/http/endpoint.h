@@ -38,8 +38,8 @@ std::string RequestTarget(WideView objectName);
 std::string EscapedTarget(WideView objectName);
 
 /// Resolves a redirect: `location` as the server wrote it, absolute or relative to `target` on
-/// `endpoint`. User name, password and fragment are dropped, "." and ".." segments are resolved, and
-/// blanks, control characters and bytes beyond ASCII are escaped; escapes that are there stay.
+/// `endpoint`. User name, password and fragment are dropped, "." and ".." segments are resolved,
+/// and blanks, control characters and bytes beyond ASCII are escaped; escapes that are there stay.
 /// Returns false and changes nothing if the scheme is neither http nor https, or if the host or the
 /// port cannot be used.
 bool FollowLocation(const std::string& location, Endpoint& endpoint, std::string& target);

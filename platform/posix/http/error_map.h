@@ -13,7 +13,9 @@ inline constexpr DWORD kErrorOutOfHandles = 12001;        // ERROR_INTERNET_OUT_
 inline constexpr DWORD kErrorInvalidCertificate = 12169;  // ERROR_INTERNET_SEC_INVALID_CERT
 
 /// Not for CURLE_OK, and not for a refused certificate, whose reason the TLS side knows better.
-/// `osErrno` is the system's reason where libcurl has one, else 0.
+/// `osErrno` is CURLINFO_OS_ERRNO. libcurl's manual promises it for a failed connect alone; that it
+/// tells a reset from an end while sending or receiving is what releases 7.88 and 8.14 do, and no
+/// documented interface does. WinInetFailures.TellsWhyASendFailed fails with one that does not.
 DWORD ErrorOf(CURLcode result, long osErrno);
 
 }  // namespace velandoc::http

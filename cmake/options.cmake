@@ -28,7 +28,7 @@ else()
 endif()
 if(VELANDOC_SANITIZE)
   target_compile_options(velandoc_options INTERFACE
-    -fsanitize=${VELANDOC_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+    -fsanitize=${VELANDOC_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)  # reports name lines
   target_link_options(velandoc_options INTERFACE -fsanitize=${VELANDOC_SANITIZE})
 endif()
 if(VELANDOC_FUZZ)

@@ -51,7 +51,7 @@ def made(preset, *targets):
     def build(programs):
         folder = BUILD / preset
         if not (folder / "build.ninja").exists() or not warnings_are_errors(folder):
-            code, output = programs.run(["cmake", "--preset", preset, WARNINGS_ARE_ERRORS], timeout=300)
+            code, output = programs.run(["cmake", "--fresh", "--preset", preset, WARNINGS_ARE_ERRORS], timeout=300)
             if code:
                 raise LaneFailure(f"cmake --preset {preset} failed\n{tail(output)}")
         command = ["cmake", "--build", folder, *(["--target", *targets] if targets else [])]
@@ -71,7 +71,7 @@ def make_dialog(programs):
     ninja = NATIVE / "build.ninja"
     if ninja.exists() and "libvelandoc-dialog.so" not in ninja.read_text(encoding="utf-8"):
         # What the module needs may have been installed after the folder was made.
-        programs.run(["cmake", "--preset", "native", WARNINGS_ARE_ERRORS], timeout=300)
+        programs.run(["cmake", "--fresh", "--preset", "native", WARNINGS_ARE_ERRORS], timeout=300)
     made("native")(programs)
 
 
@@ -391,7 +391,8 @@ BUILT = ("linux-all", "headers", "windows-all")
 
 # Started in this order, once their builds are there.
 LANES = {
-    "debian": LanePlan(lane_debian, (*LINUX, "tree"), ("certificates", "stand-in"), nice=True),
+    "debian": LanePlan(lane_debian, (*LINUX, "tree"), ("certificates", "stand-in"), nice=True,
+                       daily=False),
     "standin": LanePlan(lane_standin, LINUX, ("certificates", "stand-in")),
     "hadoop": LanePlan(lane_hadoop, (*BOTH, "hadoop"), ("certificates", "stand-in", *BUILT), turn="./run"),
     "cli": LanePlan(lane_cli, (*LINUX, "dialog", "display"), ("certificates", "stand-in", "linux-all")),
@@ -422,18 +423,22 @@ def say(lane, line):
 def main():
     parser = argparse.ArgumentParser(prog="./test", description=__doc__.splitlines()[0])
     parser.add_argument("lanes", nargs="*", metavar="LANE")
+    parser.add_argument("--all", action="store_true", help="run the lanes too that take long, not only the daily ones")
     parser.add_argument("--list", action="store_true", help="name the lanes and end")
     parser.add_argument("--packages", action="store_true", help="name the groups of tools/setup that they need and end")
     arguments = parser.parse_args()
     if arguments.list:
         for name, plan in LANES.items():
-            print(f"{name:14}{plan.run.__doc__}")
+            print(f"{name:14}{plan.run.__doc__}{'' if plan.daily else ' (--all)'}")
         return 0
     unknown = [name for name in arguments.lanes if name not in LANES]
     if unknown:
         print(f"./test: no lane named {', '.join(unknown)}; ./test --list names them", file=sys.stderr)
         return 2
-    plans = {name: plan for name, plan in LANES.items() if name in arguments.lanes or not arguments.lanes}
+    def is_asked(name):
+        return name in arguments.lanes or (not arguments.lanes and (arguments.all or LANES[name].daily))
+
+    plans = {name: plan for name, plan in LANES.items() if is_asked(name)}
     if arguments.packages:
         print(*dict.fromkeys(group for plan in plans.values() for group in plan.packages))
         return 0

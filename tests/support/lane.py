@@ -4,6 +4,7 @@ A result is (name, state, detail) with a state of 'passed', 'failed' or 'skipped
 build/test/LANE.log.
 """
 
+import contextlib
 import json
 import os
 import pathlib
@@ -16,6 +17,7 @@ import threading
 TOP = pathlib.Path(__file__).resolve().parent.parent.parent
 BUILD = TOP / "build"
 LOGS = BUILD / "test"
+NICENESS = "10"
 NOT_POSSIBLE = 77  # the exit code of a checklist whose rest cannot be run here; its last line says why
 
 running = set()  # process groups that have not ended yet; end_all() kills them when ./test itself is interrupted
@@ -43,7 +45,7 @@ class Programs:
     def __init__(self, name, nice=False):
         self.name = name
         # Builds are nice: they fill the time that tests leave, and no test waits for them.
-        self.prefix = ["nice", "-n", "10"] if nice else []
+        self.nice = nice
         self.environment = {}
         self.processor_seconds = 0.0
         LOGS.mkdir(parents=True, exist_ok=True)
@@ -56,9 +58,14 @@ class Programs:
         self.log.flush()
         environment = dict(os.environ)
         environment.update({key: str(value) for key, value in {**self.environment, **(env or {})}.items()})
-        process = subprocess.Popen([*self.prefix, *command], cwd=cwd, env=environment, stdin=subprocess.DEVNULL,
+        prefix = ["nice", "-n", NICENESS] if self.nice else []
+        process = subprocess.Popen([*prefix, *command], cwd=cwd, env=environment, stdin=subprocess.DEVNULL,
                                    stdout=subprocess.PIPE, stderr=subprocess.STDOUT, start_new_session=True)
         running.add(process.pid)
+        if self.nice:
+            # Where Linux shares the processors out by sessions, the session's own niceness counts.
+            with contextlib.suppress(OSError):
+                pathlib.Path(f"/proc/{process.pid}/autogroup").write_text(NICENESS, encoding="ascii")
         late = threading.Event()
         timer = threading.Timer(timeout, lambda: (late.set(), kill(process.pid)))
         timer.start()

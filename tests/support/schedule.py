@@ -26,6 +26,7 @@ class LanePlan:
     builds: tuple = ()  # names of builds
     nice: bool = False  # it computes all the time, so that other lanes go before it
     turn: str = ""  # lanes of the same turn never run at the same time
+    daily: bool = True  # without --all too; else only with it, or by its name
 
 
 class Schedule:

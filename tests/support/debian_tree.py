@@ -14,24 +14,7 @@ import subprocess
 PATH = "/usr/sbin:/usr/bin:/sbin:/bin"
 OTHER = {"bookworm": "trixie", "trixie": "bookworm"}
 SECONDS_TO_MAKE = 1500
-# Mounts below the tree, then runs the program. The shell stays, because signals that would end a program do nothing to
-# the first process of a namespace.
-ENTER = """
-tree=$1; shift
-# In a chroot, / is no mount that could be made private.
-mount --make-rprivate / 2>/dev/null || { mount --bind "$tree" "$tree"; mount --make-rprivate "$tree"; }
-mount --rbind /dev "$tree/dev"
-mount -t proc proc "$tree/proc"
-while [ "$1" != -- ]; do
-  mkdir -p "$1" "$tree$2"
-  mount --bind "$1" "$tree$2"
-  [ "$3" = writable ] || mount -o remount,bind,ro "$tree$2"
-  shift 3
-done
-shift
-chroot "$tree" "$@"
-exit $?
-"""
+ENTER = pathlib.Path(__file__).resolve().parent / "enter-tree"
 
 
 class NotPossible(Exception):
@@ -82,8 +65,8 @@ class Tree:
         mounts = [part for source, place, writable in self.mounts
                   for part in (source, place, "writable" if writable else "read-only")]
         environment = {"PATH": PATH, "HOME": "/root", "LANG": "C.UTF-8", **(env or {})}
-        line = ["unshare", "--mount", "--propagation", "unchanged", "--pid", "--fork", "--kill-child", "sh", "-ec", ENTER,
-                "sh", self.folder, *mounts, "--", "env", "--ignore-environment", f"--chdir={self.current}",
+        line = ["unshare", "--mount", "--propagation", "unchanged", "--pid", "--fork", "--kill-child",
+                ENTER, self.folder, *mounts, "--", "env", "--ignore-environment", f"--chdir={self.current}",
                 *(f"{name}={value}" for name, value in environment.items()), *command]
         return [str(part) for part in line]
 

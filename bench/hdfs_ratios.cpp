@@ -41,8 +41,8 @@ struct Server {
   std::string port;
 
   std::string Base() const { return std::string(scheme) + "://localhost:" + port; }
-  Row Transfer(const std::string& what) const {
-    return {what + " over " + scheme, name, kBodySize / 1e6, "MB/s"};
+  Row Transfer(const std::string& what, const std::string& beside = "") const {
+    return {what + " over " + scheme + beside, name, kBodySize / 1e6, "MB/s"};
   }
 };
 
@@ -83,19 +83,29 @@ void Get(const Server& server) {
   const Folder folder;
   const std::string local = folder.File("f");
   const auto prepare = [&] { std::filesystem::remove(local); };
-  const auto curl = [&] { RunCurl({"-L", "-o", local, Url(base, kRead, "OPEN")}); };
+  const auto requireWhole = [&] {
+    Require(std::filesystem::file_size(local) == kBodySize, "what was got is not whole");
+  };
+  const auto curl = [&] {
+    RunCurl({"-L", "-o", local, Url(base, kRead, "OPEN")});
+    requireWhole();
+  };
   Compare(
-      server.Transfer("`velandoc hdfs get` of 1 GiB to a file, beside `curl -L -o`,"),
+      server.Transfer("`velandoc hdfs get` of 1 GiB to a file", ", beside `curl -L -o`"),
       [&] {
         RunCommand({"get", kRead, local}, base);
+        requireWhole();
       },
       curl, prepare);
   for (const Form& form : kForms) {
     const ComPtr<IHdfsClient> client = NewClient(form, base, kRead);
     Compare(
         server.Transfer(std::string("`Download` (") + form.name + ") of the same"),
-        [&] { CheckResult(client->Download(VARIANT_FALSE, Wide(local).Get(), nullptr)); }, curl,
-        prepare);
+        [&] {
+          CheckResult(client->Download(VARIANT_FALSE, Wide(local).Get(), nullptr));
+          requireWhole();
+        },
+        curl, prepare);
   }
 }
 
@@ -120,14 +130,16 @@ void Peer(const Server& server) {
     Require(std::filesystem::file_size(local) == kBodySize, "the npm client's get is not whole");
   };
   Compare(
-      server.Transfer("`velandoc hdfs get` of 1 GiB to a file, beside the npm client `webhdfs`,"),
+      server.Transfer("`velandoc hdfs get` of 1 GiB to a file",
+                      ", beside the npm client `webhdfs`"),
       [&] {
         RunCommand({"get", kRead, local}, base);
       },
       [&] { peer("get", kRead); }, [&] { std::filesystem::remove(local); }, kRounds);
   MakeSource(local);
   Compare(
-      server.Transfer("`velandoc hdfs put` of a file of 1 GiB, beside the npm client `webhdfs`,"),
+      server.Transfer("`velandoc hdfs put` of a file of 1 GiB",
+                      ", beside the npm client `webhdfs`"),
       [&] {
         RunCommand({"put", local, kWritten}, base);
       },
@@ -144,9 +156,8 @@ void Put(const Server& server) {
              "Expect:", Url(base, kWritten, "CREATE&overwrite=true&namenoderpcaddress=x")});
   };
   Compare(
-      server.Transfer(
-          "`velandoc hdfs put` of a file of 1 GiB, beside `curl -T` straight to the data "
-          "node,"),
+      server.Transfer("`velandoc hdfs put` of a file of 1 GiB",
+                      ", beside `curl -T` straight to the data node"),
       [&] {
         RunCommand({"put", local, kWritten}, base);
       },

@@ -92,7 +92,7 @@ void RunProgram(std::vector<std::string> arguments) {
 }
 
 void RunCurl(std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), {"curl", "-q", "-sS", "--noproxy", "*"});
+  arguments.insert(arguments.begin(), {"curl", "-q", "-sSf", "--noproxy", "*"});
   RunProgram(std::move(arguments));
 }
 

@@ -386,7 +386,7 @@ def lane_debian(lane):
 # The groups of tools/setup that lanes have in common.
 LINUX = ("linux", "tests")
 BOTH = (*LINUX, "windows")
-# The last builds in the folders that ./run builds in too: one folder is no place for two builds at once.
+# The last builds in the folders in which ./run builds: two builds must not run in one folder at once.
 BUILT = ("linux-all", "headers", "windows-all")
 
 # Started in this order, once their builds are there.

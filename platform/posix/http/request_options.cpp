@@ -108,7 +108,7 @@ void RequestOptions::SetHeaders(CURL* easy, const TransferPlan& plan) {
   if (isAbsent("Content-Type")) m_headerList.Append("Content-Type:");
   if (plan.proxy) {
     if (plan.server.secure) {
-      // What the server is told is not for the proxy's eyes.
+      // The headers are for the server: the proxy must not see them.
       curl_easy_setopt(easy, CURLOPT_HEADEROPT, static_cast<long>(CURLHEADER_SEPARATE));
       m_proxyHeaderList.Append("Proxy-Connection:");
       curl_easy_setopt(easy, CURLOPT_PROXYHEADER, m_proxyHeaderList.Get());

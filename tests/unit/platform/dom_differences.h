@@ -31,6 +31,9 @@ inline constexpr bool kFindsNoDeclarationByName = kIsWine;
 inline constexpr bool kFreesHeldNodes = kIsWine;
 /// An attribute of nothing but a line feed reads as empty.
 inline constexpr bool kTrimsLineFeedAttribute = kIsWine;
+/// put_text escapes what it puts into a text, CDATA section, comment or instruction, and get_text
+/// then returns the escapes.
+inline constexpr bool kEscapesPutText = kIsWine;
 /// A parse error has no line.
 inline constexpr bool kTellsNoLine = kIsWine;
 /// createNode takes names that XML does not have.

@@ -69,7 +69,7 @@ class WindowCases(DriverCase):
         bottom = OK[1] - 10
 
         def filled():
-            # A window that nobody has painted yet is black everywhere.
+            # An unpainted window is black.
             picture = window.picture()
             return picture.dark(0, 0, WIDTH, bottom) == WIDTH * bottom and picture.dark(0, bottom, 400, HEIGHT) == 0
         wait_for("a black page", filled)

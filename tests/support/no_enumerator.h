@@ -1,5 +1,5 @@
-// Implements the enumerator of the DOM's lists and maps, which nobody uses, for the tests' own
-// lists.
+// The enumerator of the DOM's lists and maps for the tests' own lists. It is never called and
+// returns E_NOTIMPL.
 #pragma once
 
 #include "platform/msxml.h"

@@ -74,7 +74,8 @@ std::string Convert(UINT codePage, WideView text) {
 
 unsigned DefaultPort(bool secure) { return secure ? 443 : 80; }
 
-/// The server of "host", "host:port" or "user:password@host:port"; none if that is no authority.
+/// Reads "host", "host:port" or "user:password@host:port". Returns nothing if host or port is
+/// unusable.
 std::optional<Endpoint> ReadAuthority(std::string_view text, bool secure) {
   if (const std::size_t at = text.rfind('@'); at != std::string_view::npos) {
     text.remove_prefix(at + 1);

@@ -162,7 +162,7 @@ void OnStartElement(void* context, const xmlChar* name, const xmlChar* prefix, c
     blanks.BeginElement(SpaceOf(attributes, attribute));
     state.declarations.push_back(declarations);
     state.declarationsInForce += declarations;
-    // An element that is refused is still made, and the parse ends behind it.
+    // libxml2 still makes an element that is refused. The parse ends after it.
     xmlSAX2StartElementNs(context, name, prefix, uri, declarations, declaration, attributes,
                           defaulted, attribute);
     if (isBlankBefore) NoteBlankBefore(parser->node);

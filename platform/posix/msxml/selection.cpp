@@ -51,7 +51,7 @@ class SilencedMessages {
   void* m_context;
 };
 
-/// Null if the query is no expression or fails.
+/// Returns null if the query is malformed or its evaluation fails.
 XPathObjectOwner Evaluate(xmlXPathContext* xpath, xmlNode* context, const std::string& query) {
   const XPathExpressionOwner expression(xmlXPathCtxtCompile(xpath, XmlText(query)));
   if (!expression) return nullptr;
